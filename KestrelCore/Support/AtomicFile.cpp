@@ -1,0 +1,125 @@
+#include "KestrelCore/Support/AtomicFile.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+#include "KestrelCore/Power/KestrelWritePolicy.h"
+#include "KestrelCore/Support/PrivateFolder.h"
+#include "KestrelCore/Support/UniqueDescriptor.h"
+
+namespace kestrel {
+namespace {
+
+using std::filesystem::path;
+
+std::string reasonOf(int code) {
+  return std::generic_category().message(code);
+}
+
+/// Returns 0 or errno.
+int writeAll(int descriptor, std::string_view content) {
+  while (!content.empty()) {
+    const ssize_t written = ::write(descriptor, content.data(), content.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return errno;
+    content.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return 0;
+}
+
+int writeDurably(int descriptor, std::string_view content) {
+  if (const int error = writeAll(descriptor, content); error != 0) return error;
+  return ::fsync(descriptor) == 0 ? 0 : errno;
+}
+
+/// Makes a rename in the folder survive a crash; not every file system can, so the result does not matter.
+void syncFolder(const path& folder) {
+  const UniqueDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (descriptor) (void)::fsync(descriptor.get());
+}
+
+/// Writes the content to a new file beside the target and renames it. Returns 0 or errno.
+int replaceFile(const path& target, std::string_view content) {
+  std::string temporary = target.string() + ".XXXXXX";
+  UniqueDescriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));  // Mode 0600.
+  if (!descriptor) return errno;
+  int error = writeDurably(descriptor.get(), content);
+  descriptor.reset();
+  if (error == 0 && ::rename(temporary.c_str(), target.c_str()) != 0) error = errno;
+  if (error != 0) ::unlink(temporary.c_str());
+  if (error == 0) syncFolder(target.parent_path());
+  return error;
+}
+
+/// The file that a path stands for, also behind links whose target does not exist yet.
+path followLinks(const path& given) {
+  constexpr int kMaximumLinks = 40;
+  std::error_code error;
+  std::error_code absent;
+  path target = std::filesystem::weakly_canonical(given, error);
+  for (int i = 0; i < kMaximumLinks && !error; ++i) {
+    if (!std::filesystem::is_symlink(std::filesystem::symlink_status(target, absent))) return target;
+    const path next = target.parent_path() / std::filesystem::read_symlink(target, error);
+    if (!error) target = std::filesystem::weakly_canonical(next, error);
+  }
+  return given;
+}
+
+}  // namespace
+
+AtomicFileWriter::AtomicFileWriter(std::shared_ptr<const KestrelWritePolicy> policy, Logger logger)
+    : policy_(std::move(policy)), logger_(std::move(logger)) {}
+
+bool AtomicFileWriter::write(const path& path, std::string_view content) const {
+  if (!policy_->mayWrite(path)) return false;
+  const auto target = followLinks(path);
+  int error = createPrivateFolders(target.parent_path());
+  if (error == 0) error = replaceFile(target, content);
+  if (error != 0) logger_.error("Cannot write {}: {} ({})", path.string(), reasonOf(error), error);
+  return error == 0;
+}
+
+bool AtomicFileWriter::createIfMissing(const path& path) const {
+  if (!policy_->mayWrite(path)) return false;
+  int error = createPrivateFolders(path.parent_path());
+  if (error == 0) {
+    const UniqueDescriptor descriptor(
+        ::open(path.c_str(), O_RDONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!descriptor) error = errno;
+  }
+  if (error != 0) logger_.error("Cannot create {}: {} ({})", path.string(), reasonOf(error), error);
+  return error == 0;
+}
+
+bool AtomicFileWriter::moveAside(const path& path, const std::filesystem::path& newPath) const {
+  if (!policy_->mayWrite(path) || !policy_->mayWrite(newPath)) return false;
+  if (::rename(path.c_str(), newPath.c_str()) == 0) return true;
+  const int error = errno;
+  logger_.error("Cannot move {} to {}: {} ({})", path.string(), newPath.string(), reasonOf(error), error);
+  return false;
+}
+
+std::optional<std::string> readWholeFile(const path& path, std::size_t maximumBytes) {
+  const UniqueDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat status {};
+  if (!descriptor || ::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  if (static_cast<std::size_t>(status.st_size) > maximumBytes) return std::nullopt;
+  std::string content(static_cast<std::size_t>(status.st_size), '\0');
+  std::size_t length = 0;
+  while (length < content.size()) {
+    const ssize_t count = ::read(descriptor.get(), content.data() + length, content.size() - length);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return std::nullopt;
+    if (count == 0) break;
+    length += static_cast<std::size_t>(count);
+  }
+  content.resize(length);
+  return content;
+}
+
+}  // namespace kestrel

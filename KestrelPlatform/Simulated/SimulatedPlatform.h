@@ -1,0 +1,28 @@
+#pragma once
+
+#include "KestrelCore/Platform/Platform.h"
+#include "KestrelPlatform/Simulated/MemoryUserDefaults.h"
+#include "KestrelPlatform/Simulated/SimulatedLidSource.h"
+#include "KestrelPlatform/Simulated/SimulatedPeerIdentity.h"
+#include "KestrelPlatform/Simulated/SimulatedPowerAssertions.h"
+#include "KestrelPlatform/Simulated/SimulatedPowerSource.h"
+#include "KestrelPlatform/Simulated/SimulatedThermalSource.h"
+
+namespace kestrel {
+
+/// A whole platform in memory, and handles for scripting it. The handles point into `platform` and stay good
+/// when it is moved on to its owner, as long as that lives.
+struct SimulatedPlatform {
+  Platform platform;
+  SimulatedPowerAssertions* powerAssertions = nullptr;
+  SimulatedPowerSource* powerSource = nullptr;
+  SimulatedLowPowerMode* lowPowerMode = nullptr;
+  SimulatedThermalSource* thermal = nullptr;
+  SimulatedLidSource* lid = nullptr;
+  MemoryUserDefaults* userDefaults = nullptr;
+  SimulatedPeerIdentity* peerIdentity = nullptr;
+};
+
+SimulatedPlatform simulatedPlatform(bool lidIsObservable = true);
+
+}  // namespace kestrel

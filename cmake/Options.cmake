@@ -1,0 +1,34 @@
+option(KESTREL_BENCH "Build the benchmarks" OFF)
+option(KESTREL_FUZZ "Build the fuzz targets (needs clang)" OFF)
+set(KESTREL_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, 'address,undefined' or 'thread'")
+
+find_package(Threads REQUIRED)
+find_package(fmt REQUIRED)
+find_package(nlohmann_json REQUIRED)
+
+# What every target of the project is compiled with.
+add_library(KestrelOptions INTERFACE)
+target_include_directories(KestrelOptions INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(KestrelOptions INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  target_compile_options(KestrelOptions INTERFACE -Wthread-safety)
+endif()
+if(KESTREL_SANITIZE)
+  target_compile_options(KestrelOptions INTERFACE -fsanitize=${KESTREL_SANITIZE} -fno-omit-frame-pointer -g)
+  target_link_options(KestrelOptions INTERFACE -fsanitize=${KESTREL_SANITIZE})
+  if(KESTREL_SANITIZE MATCHES "undefined")
+    target_compile_options(KestrelOptions INTERFACE -fno-sanitize-recover=all)
+  endif()
+  if(KESTREL_SANITIZE STREQUAL "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Asio uses a fence, which this sanitizer does not model.
+    target_compile_options(KestrelOptions INTERFACE -Wno-tsan)
+  endif()
+endif()
+
+# Debian's fmt library is built for libstdc++; with libc++ its headers are compiled in instead.
+option(KESTREL_LIBCXX "Build against libc++" OFF)
+if(KESTREL_LIBCXX)
+  set(KESTREL_FMT fmt::fmt-header-only)
+else()
+  set(KESTREL_FMT fmt::fmt)
+endif()
