@@ -1,0 +1,200 @@
+#include "KestrelCore/AppCoordinator.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <utility>
+
+namespace kestrel {
+namespace {
+
+constexpr double kTickSeconds = 1.0;
+/// A hook session that has been stale for a day is forgotten.
+constexpr double kForgetStaleAfterSeconds = 24 * 3600.0;
+
+WakeDecision initialDecision() {
+  return WakeDecision::release("Initializing");
+}
+
+}  // namespace
+
+/// Brings requests for an evaluation to the main thread. Other threads hold on to this and never to the
+/// coordinator, whose end has to be on the main thread.
+class AppCoordinator::EvaluationRequests final : public AgentStateCoordinatorDelegate {
+ public:
+  EvaluationRequests(Executor& mainExecutor, std::weak_ptr<AppCoordinator> coordinator)
+      : mainExecutor_(mainExecutor), coordinator_(std::move(coordinator)) {}
+
+  void agentSessionsDidChange(std::optional<Date>) override { request(); }
+
+  void request() {
+    if (pending_.exchange(true)) return;
+    mainExecutor_.post([weak = coordinator_] {
+      const auto coordinator = weak.lock();
+      if (coordinator && coordinator->requests_->pending_) coordinator->evaluate();
+    });
+  }
+  /// An evaluation begins, which answers every request made so far.
+  void answer() { pending_ = false; }
+
+ private:
+  Executor& mainExecutor_;
+  const std::weak_ptr<AppCoordinator> coordinator_;
+  std::atomic<bool> pending_{false};
+};
+
+std::shared_ptr<AppCoordinator> AppCoordinator::create(const Context& context) {
+  std::shared_ptr<AppCoordinator> coordinator(new AppCoordinator(context));
+  coordinator->setupSubscriptions();
+  return coordinator;
+}
+
+AppCoordinator::AppCoordinator(const Context& context)
+    : platform_(context.platform),
+      mainExecutor_(context.mainExecutor),
+      settings_(context.settings),
+      clock_(context.clock),
+      logger_(context.logSink, "coordinator"),
+      agentCoordinator_(std::make_shared<AgentStateCoordinator>(context.clock, context.logSink)),
+      idleAssertionController_(
+          std::make_unique<IdleWakeAssertionController>(*context.platform.powerAssertions, context.logSink)),
+      batteryMonitor_(std::make_unique<BatteryMonitor>(*context.platform.powerSource,
+                                                       *context.platform.lowPowerMode, context.logSink)),
+      thermalMonitor_(std::make_unique<ThermalMonitor>(*context.platform.thermal, context.logSink)),
+      lidMonitor_(std::make_unique<LidMonitor>(*context.platform.lid, context.logSink)),
+      hookReceiver_(std::make_unique<HookEventReceiver>(
+          HookEventReceiver::defaultSocketPath(context.directories), context.platform.peerIdentity,
+          context.writePolicy, context.clock, context.logSink)),
+      currentDecision_(initialDecision()),
+      previousDecision_(initialDecision()) {}
+
+AppCoordinator::~AppCoordinator() = default;
+
+void AppCoordinator::setupSubscriptions() {
+  requests_ = std::make_shared<EvaluationRequests>(mainExecutor_, weak_from_this());
+  hookReceiver_->setDelegate(agentCoordinator_);
+  agentCoordinator_->setDelegate(requests_);
+  batteryMonitor_->setOnPowerSourceChanged([request = evaluationRequest()](const auto&) { request(); });
+  thermalMonitor_->setOnThermalStateChanged([request = evaluationRequest()](auto) { request(); });
+  lidMonitor_->setOnLidStateChanged([request = evaluationRequest()](auto) { request(); });
+  platform_.powerAssertions->setOnEvidenceChanged(evaluationRequest());
+  subscriptions_.push_back(settings_.observe(evaluationRequest()));
+}
+
+std::function<void()> AppCoordinator::evaluationRequest() {
+  return [requests = requests_] { requests->request(); };
+}
+
+void AppCoordinator::start() {
+  logger_.info("Starting Kestrel AppCoordinator...");
+  isStopped_ = false;
+  batteryMonitor_->start();
+  thermalMonitor_->start();
+  lidMonitor_->start();
+  // The monitor takes no notice of changes; where the system tells of one, the lid is read afresh.
+  subscriptions_.push_back(platform_.lid->observe([weak = weak_from_this()] {
+    const auto coordinator = weak.lock();
+    if (!coordinator) return;
+    coordinator->lidMonitor_->start();
+    coordinator->requestEvaluation();
+  }));
+  startHookReceiver();
+  evalTimer_ = mainExecutor_.repeat(kTickSeconds, kTickSeconds, [weak = weak_from_this()] {
+    if (const auto coordinator = weak.lock()) coordinator->tick();
+  });
+  evaluate();
+}
+
+void AppCoordinator::startHookReceiver() {
+  try {
+    hookReceiver_->start();
+  } catch (const std::exception& error) {
+    logger_.error("Failed to start hook receiver: {}", error.what());
+  }
+}
+
+void AppCoordinator::stop() {
+  isStopped_ = true;
+  evalTimer_.reset();
+  hookReceiver_->stop();
+  batteryMonitor_->stop();
+  thermalMonitor_->stop();
+  idleAssertionController_->release();
+}
+
+void AppCoordinator::tick() {
+  const Date now = clock_->now();
+  agentCoordinator_->sweepStaleSessions(now);
+  agentCoordinator_->removeSessionsStaleFor(kForgetStaleAfterSeconds, now);
+  evaluate();
+}
+
+void AppCoordinator::requestEvaluation() {
+  requests_->request();
+}
+
+void AppCoordinator::evaluate() {
+  requests_->answer();
+  if (isStopped_) return;
+  PolicyEvaluationContext context;
+  context.config = settings_.policyConfig();
+  agentCoordinator_->setStaleSessionTTL(context.config.staleSessionTTLSeconds);
+  context.sessions = agentCoordinator_->sessions();
+  context.powerSource = batteryMonitor_->currentSnapshot();
+  context.thermalState = thermalMonitor_->currentThermalState();
+  context.lastActiveAgentStoppedAt = agentCoordinator_->lastActiveAgentStoppedAt();
+  context.pauseUntil = settings_.pauseUntil();
+  context.isCurrentlyBatteryBlocked = isBatteryBlocked_;
+  context.now = clock_->now();
+
+  const WakeDecision decision = policyEngine_.evaluate(context);
+  rememberBatteryBlock(decision, context);
+  publishSessions(context.sessions);
+  currentDecision_.set(decision);
+  handleDecisionTransition(previousDecision_, decision);
+  previousDecision_ = decision;
+  hold_.set(holdStatus(protectionStartedAt_.get(), idleAssertionController_->evidence()));
+  evaluated_();
+}
+
+void AppCoordinator::rememberBatteryBlock(const WakeDecision& decision,
+                                          const PolicyEvaluationContext& context) {
+  const auto* blocked = decision.asBlocked();
+  const auto resumeLevel = context.config.batteryFloorPercent + context.config.batteryHysteresisPercent;
+  if (blocked != nullptr && blocked->block == SafetyBlock::batteryBelowFloor) {
+    isBatteryBlocked_ = true;
+  } else if (context.powerSource.isOnAC || context.powerSource.batteryPercent.value_or(0) >= resumeLevel) {
+    isBatteryBlocked_ = false;
+  }
+}
+
+void AppCoordinator::publishSessions(const std::shared_ptr<const SessionTable>& sessions) {
+  if (sessions == publishedTable_) return;
+  publishedTable_ = sessions;
+  SessionList list;
+  list.reserve(sessions->size());
+  for (const auto& [id, session] : *sessions) list.push_back(session);
+  std::ranges::stable_sort(list, [](const auto& a, const auto& b) { return a->startedAt > b->startedAt; });
+  activeSessionsList_.set(std::move(list));
+}
+
+void AppCoordinator::handleDecisionTransition(const WakeDecision& from, const WakeDecision& to) {
+  if (const auto* hold = to.asHold()) {
+    if (!from.isHolding()) protectionStartedAt_.set(clock_->now());
+    idleAssertionController_->acquire(hold->reason, settings_.preventDisplaySleep());
+  } else if (from.isHolding()) {
+    protectionStartedAt_.set(std::nullopt);
+    idleAssertionController_->release();
+  }
+}
+
+double AppCoordinator::elapsedProtectionSeconds() const {
+  const auto& start = protectionStartedAt_.get();
+  return start ? clock_->now() - *start : 0;
+}
+
+RegistrationPtr AppCoordinator::observeEvaluations(std::function<void()> onEvaluated) {
+  return evaluated_.subscribe(std::move(onEvaluated));
+}
+
+}  // namespace kestrel

@@ -1,0 +1,124 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "KestrelCore/Agents/AgentStateCoordinator.h"
+#include "KestrelCore/Agents/HookEventReceiver.h"
+#include "KestrelCore/Platform/Platform.h"
+#include "KestrelCore/Policy/WakeDecision.h"
+#include "KestrelCore/Policy/WakePolicyEngine.h"
+#include "KestrelCore/Power/BatteryMonitor.h"
+#include "KestrelCore/Power/HoldStatus.h"
+#include "KestrelCore/Power/IdleWakeAssertionController.h"
+#include "KestrelCore/Power/LidMonitor.h"
+#include "KestrelCore/Power/ThermalMonitor.h"
+#include "KestrelCore/Settings/SettingsStore.h"
+#include "KestrelCore/Support/Clock.h"
+#include "KestrelCore/Support/Executor.h"
+#include "KestrelCore/Support/Logger.h"
+#include "KestrelCore/Support/Published.h"
+
+namespace kestrel {
+
+class KestrelWritePolicy;
+
+/// The spine: owns every collaborator, gathers their state once a second and at every change, asks the
+/// policy, applies its decision, and publishes what the surfaces show. Main thread.
+class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator> {
+ public:
+  /// Everything here outlives the coordinator.
+  struct Context {
+    Platform& platform;
+    Executor& mainExecutor;
+    SettingsStore& settings;
+    std::shared_ptr<const Clock> clock;
+    std::shared_ptr<LogSink> logSink;
+    std::shared_ptr<const KestrelWritePolicy> writePolicy;
+    Directories directories;
+  };
+
+  using SessionList = std::vector<AgentSessionPtr>;
+
+  static std::shared_ptr<AppCoordinator> create(const Context& context);
+  ~AppCoordinator();
+  AppCoordinator(const AppCoordinator&) = delete;
+  AppCoordinator& operator=(const AppCoordinator&) = delete;
+
+  /// Starts the monitors, the hook receiver and the timer, then evaluates once. Without a hook socket it goes
+  /// on.
+  void start();
+  /// Stops them and releases every hold; nothing is evaluated any more.
+  void stop();
+
+  /// One evaluation cycle.
+  void evaluate();
+  /// Asks for an evaluation soon; several requests make one. From any thread.
+  void requestEvaluation();
+
+  /// The last decision.
+  [[nodiscard]] const Published<WakeDecision>& currentDecision() const { return currentDecision_; }
+  /// When the current hold began; absent when not holding.
+  [[nodiscard]] const Published<std::optional<Date>>& protectionStartedAt() const {
+    return protectionStartedAt_;
+  }
+  /// All sessions, newest start first.
+  [[nodiscard]] const Published<SessionList>& activeSessionsList() const { return activeSessionsList_; }
+  /// What the system says of the current hold.
+  [[nodiscard]] const Published<HoldStatus>& hold() const { return hold_; }
+  /// Seconds since the current hold began, 0 without one.
+  [[nodiscard]] double elapsedProtectionSeconds() const;
+
+  /// Calls back at the end of each evaluation.
+  [[nodiscard]] RegistrationPtr observeEvaluations(std::function<void()> onEvaluated);
+
+  [[nodiscard]] SettingsStore& settings() { return settings_; }
+  [[nodiscard]] const BatteryMonitoring& batteryMonitor() const { return *batteryMonitor_; }
+  [[nodiscard]] const ThermalMonitoring& thermalMonitor() const { return *thermalMonitor_; }
+  [[nodiscard]] const LidMonitoring& lidMonitor() const { return *lidMonitor_; }
+  [[nodiscard]] AgentStateCoordinator& agentCoordinator() { return *agentCoordinator_; }
+
+ private:
+  class EvaluationRequests;
+  explicit AppCoordinator(const Context& context);
+  void setupSubscriptions();
+  void startHookReceiver();
+  void tick();
+  void publishSessions(const std::shared_ptr<const SessionTable>& sessions);
+  void rememberBatteryBlock(const WakeDecision& decision, const PolicyEvaluationContext& context);
+  void handleDecisionTransition(const WakeDecision& from, const WakeDecision& to);
+  [[nodiscard]] std::function<void()> evaluationRequest();
+
+  Platform& platform_;
+  Executor& mainExecutor_;
+  std::shared_ptr<EvaluationRequests> requests_;
+  SettingsStore& settings_;
+  const std::shared_ptr<const Clock> clock_;
+  const Logger logger_;
+
+  const std::shared_ptr<AgentStateCoordinator> agentCoordinator_;
+  WakePolicyEngine policyEngine_;
+  const std::unique_ptr<IdleWakeControlling> idleAssertionController_;
+  const std::unique_ptr<BatteryMonitoring> batteryMonitor_;
+  const std::unique_ptr<ThermalMonitoring> thermalMonitor_;
+  const std::unique_ptr<LidMonitoring> lidMonitor_;
+  const std::unique_ptr<HookEventReceiver> hookReceiver_;
+
+  Published<WakeDecision> currentDecision_;
+  Published<std::optional<Date>> protectionStartedAt_;
+  Published<SessionList> activeSessionsList_;
+  Published<HoldStatus> hold_;
+  Signal<> evaluated_;
+
+  WakeDecision previousDecision_;
+  bool isStopped_ = false;
+  bool isBatteryBlocked_ = false;
+  /// The table that `activeSessionsList_` was made from.
+  std::shared_ptr<const SessionTable> publishedTable_;
+  RegistrationPtr evalTimer_;
+  std::vector<RegistrationPtr> subscriptions_;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,65 @@
+#include "KestrelCore/Control/StatusReport.h"
+
+#include <initializer_list>
+#include <optional>
+#include <string>
+
+#include "KestrelCore/Control/SettingsCatalog.h"
+#include "KestrelCore/Support/Json.h"
+
+namespace kestrel {
+namespace {
+
+template <typename Value>
+Json orNull(const std::optional<Value>& value) {
+  return value ? Json(*value) : Json(nullptr);
+}
+
+Json isoOrNull(const std::optional<Date>& date) {
+  return date ? Json(iso8601(*date)) : Json(nullptr);
+}
+
+/// A session's own coding, with its dates readable.
+Json readableSession(const AgentSession& session) {
+  Json object = encode(session);
+  object["startedAt"] = iso8601(session.startedAt);
+  object["lastEventAt"] = iso8601(session.lastEventAt);
+  if (session.usageMetrics) object["usageMetrics"]["recordedAt"] = iso8601(session.usageMetrics->recordedAt);
+  return object;
+}
+
+Json powerReport(const BatteryMonitoring& monitor) {
+  Json object = encode(monitor.currentSnapshot());
+  object["source"] = orNull(monitor.sourceName());
+  return object;
+}
+
+}  // namespace
+
+Json sessionsReport(AppCoordinator& coordinator) {
+  Json list = Json::array();
+  for (const auto& session : coordinator.activeSessionsList().get())
+    list.push_back(readableSession(*session));
+  return list;
+}
+
+Json statusReport(AppCoordinator& coordinator) {
+  const WakeDecision& decision = coordinator.currentDecision().get();
+  return {{"version", kKestrelVersion},
+          {"statusDescription", decision.statusDescription()},
+          {"decision", encode(decision)},
+          {"hold", encode(coordinator.hold().get())},
+          {"sessions", sessionsReport(coordinator)},
+          {"visualState", nullptr},
+          {"power", powerReport(coordinator.batteryMonitor())},
+          {"thermalState", rawValue(coordinator.thermalMonitor().currentThermalState())},
+          {"thermalSource", orNull(coordinator.thermalMonitor().sourceName())},
+          {"lidClosed", orNull(coordinator.lidMonitor().reading())},
+          {"lidSource", orNull(coordinator.lidMonitor().sourceName())},
+          {"helper", nullptr},
+          {"usage", nullptr},
+          {"settings", settingsReport(coordinator.settings())},
+          {"pausedUntil", isoOrNull(coordinator.settings().pauseUntil())}};
+}
+
+}  // namespace kestrel
