@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "KestrelApp/HeadlessStatusLine.h"
+#include "KestrelApp/TerminationSignals.h"
+#include "KestrelCore/AppCoordinator.h"
+#include "KestrelCore/Control/ControlServer.h"
+#include "KestrelCore/Control/ControlService.h"
+#include "KestrelCore/Platform/Platform.h"
+#include "KestrelCore/Power/KestrelWritePolicy.h"
+#include "KestrelCore/Support/AtomicFile.h"
+#include "KestrelCore/Support/InstanceLock.h"
+#include "KestrelPlatform/PlatformFactory.h"
+
+namespace kestrel {
+
+/// Kestrel without a display: a status line on standard output, until a signal ends it. Members stand in the
+/// order in which they are built and, backwards, released.
+class HeadlessApplication {
+ public:
+  HeadlessApplication(Directories directories, std::string ownPath);
+  ~HeadlessApplication();
+
+  /// The whole life of the program; returns its exit status.
+  int run();
+
+ private:
+  int runAsOnlyInstance();
+  int deferToRunningInstance();
+  void printHints() const;
+
+  const Directories directories_;
+  const std::string ownPath_;
+  const std::shared_ptr<const Clock> clock_;
+  const std::shared_ptr<HeadlessStatusLine> statusLine_;
+  const std::shared_ptr<LogSink> logSink_;
+  const std::shared_ptr<const KestrelWritePolicy> writePolicy_;
+  const std::shared_ptr<const AtomicFileWriter> files_;
+  const std::unique_ptr<MainLoop> loop_;
+  const TerminationSignals signals_;
+  InstanceLock lock_;
+};
+
+}  // namespace kestrel

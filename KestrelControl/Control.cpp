@@ -1,0 +1,77 @@
+#include "KestrelControl/Control.h"
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "KestrelControl/StatusText.h"
+#include "KestrelCore/Platform/Directories.h"
+#include "KestrelCore/Support/Clock.h"
+#include "KestrelCore/Support/Json.h"
+#include "KestrelCore/Support/UnixSocket.h"
+
+namespace kestrel {
+namespace {
+
+/// At each step; Kestrel answers within milliseconds.
+constexpr double kTimeoutSeconds = 5;
+
+int complain(const std::string& problem, int status) {
+  std::fprintf(stderr, "%s\n", problem.c_str());
+  return status;
+}
+
+/// Asks at the first place where somebody listens.
+SocketExchange exchange(const Directories& directories, const ControlRequest& request) {
+  std::vector<Directories> places{directories};
+  for (const auto& folder : alternativeApplicationSupport(directories)) {
+    places.push_back(directories);
+    places.back().applicationSupport = folder;
+  }
+  SocketExchange result;
+  for (const auto& place : places) {
+    result = exchangeOverSocket(place.controlSocket(), encodeControlRequest(request), kTimeoutSeconds,
+                                ControlReply::kMaximumBytes);
+    if (result.outcome != SocketExchange::Outcome::nobodyListens) break;
+  }
+  return result;
+}
+
+std::string resultText(const ControlRequest& request, const Json& result) {
+  const Date now = SystemClock().now();
+  if (request.command == "status") return statusText(result, now);
+  if (request.command == "sessions") return sessionsText(result, now);
+  const bool lists = request.command == "settings" && request.arguments.front() == "list";
+  return lists ? settingsText(result) : changeText(result);
+}
+
+int print(const std::string& text) {
+  const bool written = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
+  return written ? kControlDone : complain("kestrelctl: the output cannot be written", kControlFailed);
+}
+
+}  // namespace
+
+int runControl(const ControlOptions& options) {
+  const auto directories = userDirectories();
+  if (!directories) return complain("kestrelctl: HOME names no home directory", kControlFailed);
+  const SocketExchange exchanged = exchange(*directories, options.request);
+  if (exchanged.outcome == SocketExchange::Outcome::nobodyListens) {
+    return complain("Kestrel is not running.", kControlNotRunning);
+  }
+  if (exchanged.outcome == SocketExchange::Outcome::failed) {
+    return complain("kestrelctl: Kestrel does not answer at " + directories->controlSocket().string(),
+                    kControlFailed);
+  }
+  try {
+    const ControlReply reply = decodeControlReply(exchanged.reply);
+    if (!reply.ok()) return complain("kestrelctl: " + printable(reply.error), kControlFailed);
+    return print(options.json ? reply.result->dump(2, ' ', false, Json::error_handler_t::replace) + "\n"
+                              : resultText(options.request, *reply.result));
+  } catch (const DecodingError& error) {
+    return complain("kestrelctl: Kestrel's answer cannot be read: " + std::string(error.what()),
+                    kControlFailed);
+  }
+}
+
+}  // namespace kestrel

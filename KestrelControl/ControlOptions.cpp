@@ -1,0 +1,88 @@
+#include "KestrelControl/ControlOptions.h"
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "KestrelCore/Control/Duration.h"
+#include "KestrelCore/Control/StatusReport.h"
+
+namespace kestrel {
+namespace {
+
+constexpr const char* kFooter =
+    "DURATION is 90s, 30m, 2h or 1h30m; a bare number is minutes.\n"
+    "Exit status: 0 done, 1 failed, 2 wrong usage, 3 Kestrel is not running.";
+
+std::string durationProblem(const std::string& word) {
+  return parseDuration(word) ? "" : "'" + word + "' is no duration; use 90s, 30m or 1h30m";
+}
+
+/// The commands of kestrelctl; each, when it was given, fills the options.
+class Grammar {
+ public:
+  explicit Grammar(ControlOptions& options) : options_(options) {
+    app_.set_version_flag("--version", std::string("kestrelctl ") + kKestrelVersion);
+    app_.footer(kFooter);
+    app_.require_subcommand(1);
+    command(app_, "status", "What Kestrel does, and why");
+    auto* pause = command(app_, "pause", "Let the machine sleep for a while");
+    word(pause, "DURATION", "How long")->check(CLI::Validator(durationProblem, ""));
+    command(app_, "resume", "End a pause");
+    auto* hold = command(app_, "hold", "Keep the machine awake without any agent, or end that");
+    word(hold, "STATE", "on or off")->check(CLI::IsMember({"on", "off"}));
+    command(app_, "enable", "Switch protection on");
+    command(app_, "disable", "Switch protection off");
+    command(app_, "sessions", "The agents' sessions");
+    addSettings();
+  }
+
+  CLI::App& app() { return app_; }
+
+ private:
+  CLI::App* command(CLI::App& parent, const std::string& name, const char* description) {
+    auto* added = parent.add_subcommand(name, description);
+    added->add_flag("--json", options_.json, "Print the result as JSON");
+    added->final_callback([this, &parent, name] {
+      if (&parent != &app_) words_.insert(words_.begin(), name);
+      options_.request = {&parent == &app_ ? name : parent.get_name(), words_};
+    });
+    return added;
+  }
+
+  CLI::Option* word(CLI::App* command, const char* name, const char* description) {
+    return command
+        ->add_option_function<std::string>(
+            name, [this](const std::string& text) { words_.push_back(text); }, description)
+        ->required();
+  }
+
+  void addSettings() {
+    auto* settings = app_.add_subcommand("settings", "Read and change settings");
+    settings->require_subcommand(1);
+    command(*settings, "list", "All settings");
+    word(command(*settings, "get", "One setting"), "KEY", "As 'list' shows it");
+    auto* set = command(*settings, "set", "Change one setting");
+    word(set, "KEY", "As 'list' shows it");
+    word(set, "VALUE", "true or false, a number, or a date or none");
+  }
+
+  ControlOptions& options_;
+  std::vector<std::string> words_;
+  CLI::App app_{"Asks a running Kestrel what it does, and tells it what to do.", "kestrelctl"};
+};
+
+}  // namespace
+
+ControlOptions ControlOptions::parse(int argc, const char* const* argv) {
+  ControlOptions options;
+  Grammar grammar(options);
+  try {
+    grammar.app().parse(argc, argv);
+  } catch (const CLI::ParseError& outcome) {
+    options.exitStatus = grammar.app().exit(outcome) == 0 ? kControlDone : kControlUsage;
+  }
+  return options;
+}
+
+}  // namespace kestrel

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "KestrelCore/Control/ControlProtocol.h"
+
+namespace kestrel {
+
+/// Exit statuses of kestrelctl.
+inline constexpr int kControlDone = 0;
+inline constexpr int kControlFailed = 1;
+inline constexpr int kControlUsage = 2;
+inline constexpr int kControlNotRunning = 3;
+
+/// What the words on the command line ask for.
+struct ControlOptions {
+  ControlRequest request;
+  /// Print the result as JSON.
+  bool json = false;
+  /// Present when nothing is to be asked: help or the version was printed, or what is wrong with the words.
+  std::optional<int> exitStatus;
+
+  static ControlOptions parse(int argc, const char* const* argv);
+};
+
+}  // namespace kestrel
