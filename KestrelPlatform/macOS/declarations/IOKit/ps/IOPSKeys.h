@@ -1,0 +1,10 @@
+#pragma once
+#define kIOPSTypeKey "Type"
+#define kIOPSInternalBatteryType "InternalBattery"
+#define kIOPSPowerSourceStateKey "Power Source State"
+#define kIOPSACPowerValue "AC Power"
+#define kIOPSBatteryPowerValue "Battery Power"
+#define kIOPSCurrentCapacityKey "Current Capacity"
+#define kIOPSMaxCapacityKey "Max Capacity"
+#define kIOPSIsChargingKey "Is Charging"
+#define kIOPSTimeToEmptyKey "Time to Empty"
