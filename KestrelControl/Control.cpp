@@ -41,6 +41,7 @@ std::string resultText(const ControlRequest& request, const Json& result) {
   const Date now = SystemClock().now();
   if (request.command == "status") return statusText(result, now);
   if (request.command == "sessions") return sessionsText(result, now);
+  if (request.command == "doctor") return doctorText(result);
   const bool lists = request.command == "settings" && request.arguments.front() == "list";
   return lists ? settingsText(result) : changeText(result);
 }

@@ -34,6 +34,7 @@ class Grammar {
     command(app_, "enable", "Switch protection on");
     command(app_, "disable", "Switch protection off");
     command(app_, "sessions", "The agents' sessions");
+    command(app_, "doctor", "What works on this machine, what does not, and what to do about it");
     addSettings();
   }
 

@@ -164,6 +164,19 @@ std::string settingsText(const Json& settings) {
   return text;
 }
 
+std::string doctorText(const Json& report) {
+  std::string text;
+  for (const Json& capability : listIn(report, "capabilities")) {
+    const auto word = [&](const char* key) {
+      return printable(optionalString(capability, key).value_or(""));
+    };
+    text += fmt::format("{:<20}{:<13}{}\n", word("name"), word("state"), word("detail"));
+    if (const std::string advice = word("advice"); !advice.empty())
+      text += fmt::format("{:20}-> {}\n", "", advice);
+  }
+  return text;
+}
+
 std::string changeText(const Json& result) {
   if (const auto description = optionalString(result, "statusDescription"))
     return printable(*description) + "\n";

@@ -20,6 +20,9 @@ std::string sessionsText(const Json& report, Date now);
 /// The answer to `settings list`, "key = value" on one line each.
 std::string settingsText(const Json& settings);
 
+/// The answer to `doctor`: a line for each capability, and under it what to do.
+std::string doctorText(const Json& report);
+
 /// The answer to any other command: its status description, or the bare value of one setting.
 std::string changeText(const Json& result);
 

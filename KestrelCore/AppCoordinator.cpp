@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <unistd.h>
 #include <utility>
 
 namespace kestrel {
 namespace {
 
 constexpr double kTickSeconds = 1.0;
+constexpr double kScanSeconds = 1.0;
 /// A hook session that has been stale for a day is forgotten.
 constexpr double kForgetStaleAfterSeconds = 24 * 3600.0;
 
@@ -53,6 +55,7 @@ AppCoordinator::AppCoordinator(const Context& context)
     : platform_(context.platform),
       mainExecutor_(context.mainExecutor),
       settings_(context.settings),
+      directories_(context.directories),
       clock_(context.clock),
       logger_(context.logSink, "coordinator"),
       agentCoordinator_(std::make_shared<AgentStateCoordinator>(context.clock, context.logSink)),
@@ -65,6 +68,9 @@ AppCoordinator::AppCoordinator(const Context& context)
       hookReceiver_(std::make_unique<HookEventReceiver>(
           HookEventReceiver::defaultSocketPath(context.directories), context.platform.peerIdentity,
           context.writePolicy, context.clock, context.logSink)),
+      processMonitor_(std::make_unique<ProcessMonitor>(
+          *context.platform.processes, *context.platform.applications,
+          AgentFootprints(context.directories.home), ::getpid(), context.clock)),
       currentDecision_(initialDecision()),
       previousDecision_(initialDecision()) {}
 
@@ -74,6 +80,12 @@ void AppCoordinator::setupSubscriptions() {
   requests_ = std::make_shared<EvaluationRequests>(mainExecutor_, weak_from_this());
   hookReceiver_->setDelegate(agentCoordinator_);
   agentCoordinator_->setDelegate(requests_);
+  processMonitor_->setOnProcessesUpdated([this, weak = weak_from_this()](std::vector<ProcessMatch> matches) {
+    mainExecutor_.post([weak, matches = std::move(matches)] {
+      const auto coordinator = weak.lock();
+      if (coordinator) coordinator->mergeScan(matches);
+    });
+  });
   batteryMonitor_->setOnPowerSourceChanged([request = evaluationRequest()](const auto&) { request(); });
   thermalMonitor_->setOnThermalStateChanged([request = evaluationRequest()](auto) { request(); });
   lidMonitor_->setOnLidStateChanged([request = evaluationRequest()](auto) { request(); });
@@ -98,6 +110,7 @@ void AppCoordinator::start() {
     coordinator->lidMonitor_->start();
     coordinator->requestEvaluation();
   }));
+  processMonitor_->start(kScanSeconds);
   startHookReceiver();
   evalTimer_ = mainExecutor_.repeat(kTickSeconds, kTickSeconds, [weak = weak_from_this()] {
     if (const auto coordinator = weak.lock()) coordinator->tick();
@@ -119,7 +132,14 @@ void AppCoordinator::stop() {
   hookReceiver_->stop();
   batteryMonitor_->stop();
   thermalMonitor_->stop();
+  processMonitor_->stop();
   idleAssertionController_->release();
+}
+
+void AppCoordinator::mergeScan(const std::vector<ProcessMatch>& matches) {
+  if (isStopped_) return;
+  agentCoordinator_->syncProcessSessions(matches);
+  evaluate();
 }
 
 void AppCoordinator::tick() {

@@ -7,6 +7,7 @@
 
 #include "KestrelCore/Agents/AgentStateCoordinator.h"
 #include "KestrelCore/Agents/HookEventReceiver.h"
+#include "KestrelCore/Agents/ProcessMonitor.h"
 #include "KestrelCore/Platform/Platform.h"
 #include "KestrelCore/Policy/WakeDecision.h"
 #include "KestrelCore/Policy/WakePolicyEngine.h"
@@ -78,6 +79,9 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   [[nodiscard]] const BatteryMonitoring& batteryMonitor() const { return *batteryMonitor_; }
   [[nodiscard]] const ThermalMonitoring& thermalMonitor() const { return *thermalMonitor_; }
   [[nodiscard]] const LidMonitoring& lidMonitor() const { return *lidMonitor_; }
+  [[nodiscard]] const HookEventReceiver& hookReceiver() const { return *hookReceiver_; }
+  [[nodiscard]] Platform& platform() { return platform_; }
+  [[nodiscard]] const Directories& directories() const { return directories_; }
   [[nodiscard]] AgentStateCoordinator& agentCoordinator() { return *agentCoordinator_; }
 
  private:
@@ -85,6 +89,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   explicit AppCoordinator(const Context& context);
   void setupSubscriptions();
   void startHookReceiver();
+  void mergeScan(const std::vector<ProcessMatch>& matches);
   void tick();
   void publishSessions(const std::shared_ptr<const SessionTable>& sessions);
   void rememberBatteryBlock(const WakeDecision& decision, const PolicyEvaluationContext& context);
@@ -95,6 +100,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   Executor& mainExecutor_;
   std::shared_ptr<EvaluationRequests> requests_;
   SettingsStore& settings_;
+  const Directories directories_;
   const std::shared_ptr<const Clock> clock_;
   const Logger logger_;
 
@@ -105,6 +111,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   const std::unique_ptr<ThermalMonitoring> thermalMonitor_;
   const std::unique_ptr<LidMonitoring> lidMonitor_;
   const std::unique_ptr<HookEventReceiver> hookReceiver_;
+  const std::unique_ptr<ProcessMonitor> processMonitor_;
 
   Published<WakeDecision> currentDecision_;
   Published<std::optional<Date>> protectionStartedAt_;

@@ -6,6 +6,8 @@
 #include "KestrelCore/Control/Duration.h"
 #include "KestrelCore/Control/SettingsCatalog.h"
 #include "KestrelCore/Control/StatusReport.h"
+#include "KestrelCore/Diagnostics/Doctor.h"
+#include "KestrelCore/Diagnostics/DoctorFindings.h"
 #include "KestrelCore/Support/Json.h"
 
 namespace kestrel {
@@ -20,7 +22,7 @@ ControlReply ControlService::perform(const ControlRequest& request) {
     std::size_t maximumArguments;
     ControlReply (ControlService::*action)(const Arguments&);
   };
-  static constexpr std::array<Command, 9> kCommands{{
+  static constexpr std::array<Command, 10> kCommands{{
       {"status", 0, 0, &ControlService::status},
       {"sessions", 0, 0, &ControlService::sessions},
       {"pause", 1, 1, &ControlService::pause},
@@ -29,6 +31,7 @@ ControlReply ControlService::perform(const ControlRequest& request) {
       {"enable", 0, 0, &ControlService::enable},
       {"disable", 0, 0, &ControlService::disable},
       {"settings", 1, 3, &ControlService::settings},
+      {"doctor", 0, 0, &ControlService::doctor},
       {"show", 0, 0, &ControlService::show},
   }};
   for (const Command& command : kCommands) {
@@ -90,6 +93,10 @@ ControlReply ControlService::settings(const Arguments& arguments) {
     return changed(true);
   }
   return ControlReply::failure("'settings' takes list, get KEY or set KEY VALUE");
+}
+
+ControlReply ControlService::doctor(const Arguments&) {
+  return ControlReply::success({{"capabilities", encode(examine(doctorFindings(coordinator_)))}});
 }
 
 ControlReply ControlService::show(const Arguments&) {

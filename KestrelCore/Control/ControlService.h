@@ -29,6 +29,7 @@ class ControlService {
   ControlReply enable(const Arguments& arguments);
   ControlReply disable(const Arguments& arguments);
   ControlReply settings(const Arguments& arguments);
+  ControlReply doctor(const Arguments& arguments);
   ControlReply show(const Arguments& arguments);
   /// Evaluates after a change and tells the new status.
   ControlReply changed(bool kept);

@@ -8,6 +8,8 @@
 #include "KestrelCore/Platform/PeerIdentity.h"
 #include "KestrelCore/Platform/PowerAssertions.h"
 #include "KestrelCore/Platform/PowerSource.h"
+#include "KestrelCore/Platform/ProcessList.h"
+#include "KestrelCore/Platform/RunningApplications.h"
 #include "KestrelCore/Platform/ThermalSource.h"
 #include "KestrelCore/Platform/UserDefaults.h"
 
@@ -21,6 +23,8 @@ struct Platform {
   std::unique_ptr<LowPowerMode> lowPowerMode;
   std::unique_ptr<ThermalSource> thermal;
   std::unique_ptr<LidSource> lid;
+  std::unique_ptr<ProcessList> processes;
+  std::unique_ptr<RunningApplications> applications;
   std::unique_ptr<UserDefaults> userDefaults;
   std::shared_ptr<const PeerIdentity> peerIdentity;
 };

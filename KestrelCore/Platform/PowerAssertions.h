@@ -67,6 +67,8 @@ class PowerAssertions {
   /// What is known of the assertions in force, in order of asking; empty when none was created. Reads the
   /// system only where that is cheap; otherwise asks for a fresh reading, which shows at a later call.
   [[nodiscard]] virtual std::vector<HoldEvidence> evidence() = 0;
+  /// The evidence that an assertion against idle system sleep would begin with if it were created now.
+  [[nodiscard]] virtual std::vector<HoldEvidence> prospects() = 0;
   /// Called on the main executor after an answer changed `evidence()`. Set once, before the first `create`.
   virtual void setOnEvidenceChanged(std::function<void()> callback) = 0;
 };

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "KestrelCore/Support/Date.h"
@@ -29,6 +30,9 @@ class UserDefaults {
   [[nodiscard]] virtual bool setDouble(std::string_view key, double value) = 0;
   [[nodiscard]] virtual bool setDate(std::string_view key, Date value) = 0;
   [[nodiscard]] virtual bool remove(std::string_view key) = 0;
+
+  /// Why what is stored cannot be read, in words; absent when it can, or when nothing is stored.
+  [[nodiscard]] virtual std::optional<std::string> problem() const = 0;
 
   /// Calls back on the main thread within a second after another process changed the database.
   [[nodiscard]] virtual RegistrationPtr observeOutsideChanges(std::function<void()> onChange) = 0;

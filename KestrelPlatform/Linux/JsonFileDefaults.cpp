@@ -113,6 +113,13 @@ class JsonFileDefaults::File {
     return (faulty ? replaceFaultyFile(text) : files_->write(path_, text)) && noteOwnWrite(text);
   }
 
+  [[nodiscard]] std::optional<std::string> problem() {
+    refresh();
+    const LockGuard lock(mutex_);
+    if (current_.fault.empty()) return std::nullopt;
+    return current_.fault;
+  }
+
   /// Counts the changes of values that others made.
   [[nodiscard]] std::uint64_t outsideChanges() {
     refresh();
@@ -221,6 +228,10 @@ bool JsonFileDefaults::setDate(std::string_view key, Date value) {
 
 bool JsonFileDefaults::remove(std::string_view key) {
   return file_->change(key, std::nullopt);
+}
+
+std::optional<std::string> JsonFileDefaults::problem() const {
+  return file_->problem();
 }
 
 RegistrationPtr JsonFileDefaults::observeOutsideChanges(std::function<void()> onChange) {

@@ -43,6 +43,7 @@ class JsonFileDefaults final : public UserDefaults {
   [[nodiscard]] bool setDate(std::string_view key, Date value) override;
   [[nodiscard]] bool remove(std::string_view key) override;
 
+  [[nodiscard]] std::optional<std::string> problem() const override;
   [[nodiscard]] RegistrationPtr observeOutsideChanges(std::function<void()> onChange) override;
 
  private:

@@ -1,7 +1,14 @@
 #include "KestrelCore/Support/Logger.h"
+#include "KestrelPlatform/Linux/DesktopEntries.h"
+#include "KestrelPlatform/Linux/HardwareServices.h"
 #include "KestrelPlatform/Linux/JsonFileDefaults.h"
+#include "KestrelPlatform/Linux/LinuxLidSource.h"
+#include "KestrelPlatform/Linux/LinuxLowPowerMode.h"
 #include "KestrelPlatform/Linux/LinuxPowerAssertions.h"
-#include "KestrelPlatform/Linux/UnavailableHardware.h"
+#include "KestrelPlatform/Linux/LinuxPowerSource.h"
+#include "KestrelPlatform/Linux/LinuxProcessList.h"
+#include "KestrelPlatform/Linux/LinuxRunningApplications.h"
+#include "KestrelPlatform/Linux/LinuxThermalSource.h"
 #include "KestrelPlatform/PlatformFactory.h"
 
 namespace kestrel {
@@ -10,10 +17,14 @@ Platform makePlatform(const PlatformContext& context) {
   const auto& sink = context.logSink;
   Platform platform;
   platform.powerAssertions = makeLinuxPowerAssertions(context.mainExecutor, sink, context.clock);
-  platform.powerSource = makeUnavailablePowerSource(sink);
-  platform.lowPowerMode = makeUnavailableLowPowerMode(sink);
-  platform.thermal = makeUnavailableThermalSource(sink);
-  platform.lid = makeUnavailableLidSource(sink);
+  const auto hardware = std::make_shared<HardwareServices>(context.mainExecutor, sink);
+  platform.powerSource = makeLinuxPowerSource(context.mainExecutor, sink, hardware);
+  platform.lowPowerMode = makeLinuxLowPowerMode(hardware);
+  platform.thermal = makeLinuxThermalSource(context.mainExecutor, sink);
+  platform.lid = makeLinuxLidSource(context.mainExecutor, sink, hardware);
+  platform.processes = makeLinuxProcessList(sink);
+  platform.applications =
+      makeLinuxRunningApplications(applicationsFolders(context.directories.home), context.clock);
   platform.userDefaults =
       std::make_unique<JsonFileDefaults>(context.directories.settingsFile(), context.mainExecutor,
                                          context.files, context.clock, Logger(sink, "settings"));

@@ -40,6 +40,7 @@ class LinuxPowerAssertions final : public PowerAssertions {
   Creation create(std::string_view type, std::uint32_t level, std::string_view name) override;
   void release(PowerAssertionID id) override;
   std::vector<HoldEvidence> evidence() override;
+  std::vector<HoldEvidence> prospects() override;
   void setOnEvidenceChanged(std::function<void()> callback) override;
 
  private:
@@ -107,6 +108,11 @@ std::vector<HoldEvidence> LinuxPowerAssertions::evidence() {
     });
   }
   return result;
+}
+
+std::vector<HoldEvidence> LinuxPowerAssertions::prospects() {
+  const LockGuard lock(mutex_);
+  return prospects_[static_cast<std::size_t>(AssertionType::systemSleep)].preview;
 }
 
 void LinuxPowerAssertions::setOnEvidenceChanged(std::function<void()> callback) {

@@ -30,6 +30,7 @@ class MemoryUserDefaults final : public UserDefaults {
   [[nodiscard]] bool setDate(std::string_view key, Date value) override;
   [[nodiscard]] bool remove(std::string_view key) override;
 
+  [[nodiscard]] std::optional<std::string> problem() const override { return std::nullopt; }
   [[nodiscard]] RegistrationPtr observeOutsideChanges(std::function<void()> onChange) override;
 
   /// Changes a value (absent: removes it) as another process would, without telling; `fireOutsideChange`

@@ -24,6 +24,8 @@ SimulatedPlatform simulatedPlatform(bool lidIsObservable) {
   result.lowPowerMode = install<SimulatedLowPowerMode>(platform.lowPowerMode);
   result.thermal = install<SimulatedThermalSource>(platform.thermal);
   result.lid = install<SimulatedLidSource>(platform.lid, lidIsObservable);
+  result.processes = install<SimulatedProcessList>(platform.processes);
+  result.applications = install<SimulatedRunningApplications>(platform.applications);
   result.userDefaults = install<MemoryUserDefaults>(platform.userDefaults);
   result.peerIdentity = install<SimulatedPeerIdentity>(platform.peerIdentity);
   return result;

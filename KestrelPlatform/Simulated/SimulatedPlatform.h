@@ -6,6 +6,8 @@
 #include "KestrelPlatform/Simulated/SimulatedPeerIdentity.h"
 #include "KestrelPlatform/Simulated/SimulatedPowerAssertions.h"
 #include "KestrelPlatform/Simulated/SimulatedPowerSource.h"
+#include "KestrelPlatform/Simulated/SimulatedProcessList.h"
+#include "KestrelPlatform/Simulated/SimulatedRunningApplications.h"
 #include "KestrelPlatform/Simulated/SimulatedThermalSource.h"
 
 namespace kestrel {
@@ -19,6 +21,8 @@ struct SimulatedPlatform {
   SimulatedLowPowerMode* lowPowerMode = nullptr;
   SimulatedThermalSource* thermal = nullptr;
   SimulatedLidSource* lid = nullptr;
+  SimulatedProcessList* processes = nullptr;
+  SimulatedRunningApplications* applications = nullptr;
   MemoryUserDefaults* userDefaults = nullptr;
   SimulatedPeerIdentity* peerIdentity = nullptr;
 };

@@ -40,6 +40,10 @@ std::vector<HoldEvidence> SimulatedPowerAssertions::evidence() {
   return result;
 }
 
+std::vector<HoldEvidence> SimulatedPowerAssertions::prospects() {
+  return {{"simulated service", HoldKind::idle, HoldEvidenceState::pending, {}}};
+}
+
 void SimulatedPowerAssertions::setOnEvidenceChanged(std::function<void()> callback) {
   const LockGuard lock(mutex_);
   onEvidenceChanged_ = std::move(callback);

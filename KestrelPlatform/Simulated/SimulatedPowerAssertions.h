@@ -31,6 +31,7 @@ class SimulatedPowerAssertions final : public PowerAssertions {
   [[nodiscard]] Creation create(std::string_view type, std::uint32_t level, std::string_view name) override;
   void release(PowerAssertionID id) override;
   [[nodiscard]] std::vector<HoldEvidence> evidence() override;
+  [[nodiscard]] std::vector<HoldEvidence> prospects() override;
   void setOnEvidenceChanged(std::function<void()> callback) override;
 
   /// The following creations of a type fail with this code; 0 lets them succeed.

@@ -14,6 +14,7 @@ std::unique_ptr<PowerSource> makeMacPowerSource();
 std::unique_ptr<LowPowerMode> makeMacLowPowerMode();
 std::unique_ptr<ThermalSource> makeMacThermalSource();
 std::unique_ptr<LidSource> makeMacLidSource();
+std::unique_ptr<RunningApplications> makeMacRunningApplications();
 /// The standard user defaults of this process.
 std::unique_ptr<UserDefaults> makeMacUserDefaults(Executor& mainExecutor,
                                                   const std::shared_ptr<LogSink>& logSink);

@@ -1,3 +1,4 @@
+#include "KestrelCore/Agents/PsProcessList.h"
 #include "KestrelPlatform/PlatformFactory.h"
 #include "KestrelPlatform/macOS/MacBackends.h"
 
@@ -10,6 +11,8 @@ Platform makePlatform(const PlatformContext& context) {
   platform.lowPowerMode = makeMacLowPowerMode();
   platform.thermal = makeMacThermalSource();
   platform.lid = makeMacLidSource();
+  platform.processes = std::make_unique<PsProcessList>();
+  platform.applications = makeMacRunningApplications();
   platform.userDefaults = makeMacUserDefaults(context.mainExecutor, context.logSink);
   platform.peerIdentity = makePeerIdentity();
   return platform;

@@ -114,6 +114,9 @@ class MacPowerAssertions final : public PowerAssertions {
     return evidence;
   }
 
+  std::vector<HoldEvidence> prospects() override {
+    return {{kService, HoldKind::idle, HoldEvidenceState::pending, {}}};
+  }
   void setOnEvidenceChanged(std::function<void()> callback) override { *callback_ = std::move(callback); }
 
  private:

@@ -93,6 +93,9 @@ class MacUserDefaults final : public UserDefaults {
     });
   }
 
+  // The settings service answers for what it stores.
+  std::optional<std::string> problem() const override { return std::nullopt; }
+
   RegistrationPtr observeOutsideChanges(std::function<void()> onChange) override {
     return changes_->signal.subscribe(std::move(onChange));
   }

@@ -1,7 +1,6 @@
 #include <atomic>
 #include <filesystem>
 #include <functional>
-#include <semaphore>
 #include <string>
 #include <thread>
 #include <vector>
@@ -183,25 +182,25 @@ TEST(AppCoordinatorEnd, IsOnTheMainThreadAlsoWhileAHookIsBeingApplied) {
   WatchedExecutor executor;
   SimulatedPlatform machine = simulatedPlatform();
   SettingsStore settings(*machine.userDefaults, world.clock);
-  std::binary_semaphore hookIsPosting(0);
-  std::binary_semaphore hookMayGoOn(0);
+  std::atomic<int> posting = 0;
+  std::atomic<bool> mayGoOn = false;
   auto app = AppCoordinator::create(
       {machine.platform, executor, settings, world.clock, world.sink, world.policy, world.directories()});
   executor.onPost = [&] {
-    hookIsPosting.release();
-    hookMayGoOn.acquire();
+    ++posting;
+    while (!mayGoOn) std::this_thread::yield();
   };
   app->start();
   const SocketClient client(world.directories().hookSocket());
   client.send(R"({"agent":"claude","state":"working"})");
-  hookIsPosting.acquire();
+  while (posting < 2) std::this_thread::yield();  // The hook, and the first scan of the processes.
 
-  // Whoever drops the last reference ends the coordinator and waits for the hook's thread, which therefore
-  // may go on as soon as this thread has dropped its own.
+  // Whoever drops the last reference ends the coordinator and waits for those threads, which therefore may go
+  // on as soon as this thread has dropped its own.
   std::atomic<bool> dropped = false;
   std::thread releaser([&, weak = std::weak_ptr(app)] {
     while (!dropped && !weak.expired()) std::this_thread::yield();
-    hookMayGoOn.release();
+    mayGoOn = true;
   });
   app->stop();
   app.reset();
