@@ -1,8 +1,8 @@
 #include "KestrelCore/Agents/HookEvent.h"
 
-#include <algorithm>
 #include <limits>
 
+#include "KestrelCore/Support/AsciiCase.h"
 #include "KestrelCore/Support/Json.h"
 
 namespace kestrel {
@@ -18,12 +18,6 @@ const char* describe(HookEventError::Code code) {
       return "The hook event lacks a required field";
   }
   return "";
-}
-
-std::string lowerCased(std::string text) {
-  std::ranges::transform(text, text.begin(),
-                         [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-  return text;
 }
 
 std::optional<std::int32_t> decodePid(const Json& object) {
