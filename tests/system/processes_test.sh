@@ -45,6 +45,12 @@ unseen '/Applications/ChatGPT.app/Contents/Resources/codex app-server'
 unseen 'claude --version'
 unseen 'gemini --antigravity-mode'
 
+begin 'a hook of a family without hooks of its own outlives the scans'
+relay --agent custom --state working
+sleep 2.5
+same 'status' 'Active (1 working agent) — Custom Agent working' "$(ctl status | head -n 1)"
+relay --agent custom --state completed
+
 begin 'a bare claude works while there is evidence'
 run_as claude
 services_wait_until 4 session_is "$PID" 'Claude Code idle' || fail 'it is not seen as idle'
