@@ -84,8 +84,11 @@ services_wait_until() {
 }
 
 # services_wait_name --system|--user NAME
+services_name_is_owned() {
+  [ "$(busctl "$1" call org.freedesktop.DBus /org/freedesktop/DBus org.freedesktop.DBus NameHasOwner s "$2")" = 'b true' ]
+}
 services_wait_name() {
-  services_wait_until 10 busctl "$1" status "$2" || {
+  services_wait_until 10 services_name_is_owned "$1" "$2" || {
     echo "$2 did not appear on the ${1#--} bus" >&2
     return 1
   }
