@@ -32,8 +32,8 @@ HookEvent makeHookEvent(const RelayOptions& options, const HookPayload& payload,
   event.pid = options.pid ? options.pid : surroundings.pid;
   event.sessionId = firstUsable({options.sessionId, payload.sessionId}, kMaximumSessionIdLength)
                         .value_or(HookEvent::defaultSessionId(event.agent, event.pid));
-  // With a pid, a session of a family that is usually found by scanning counts as a process, which the next scan
-  // does not find and ends. The identity above still tells one agent from another.
+  // With a pid, a session of a family that is usually found by scanning counts as a process, which the next
+  // scan does not find and ends. The identity above still tells one agent from another.
   if (defaultIntegrationType(event.agent) == IntegrationType::process) event.pid.reset();
   event.cwd = firstUsable({options.cwd, payload.cwd, surroundings.cwd}, kMaximumDirectoryLength);
   event.model = firstUsable({options.model, payload.model}, kMaximumNameLength);
