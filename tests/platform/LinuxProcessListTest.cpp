@@ -1,8 +1,11 @@
+#include <algorithm>
+#include <cctype>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <map>
 #include <memory>
 #include <spawn.h>
 #include <string>
@@ -10,6 +13,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "KestrelCore/Agents/ProcessMatching.h"
 #include "KestrelCore/Agents/PsProcessList.h"
 #include "KestrelPlatform/Linux/LinuxProcessList.h"
 #include "KestrelPlatform/Linux/ProcFolder.h"
@@ -157,30 +161,53 @@ class Waiting {
   Waiting(const Waiting&) = delete;
   Waiting& operator=(const Waiting&) = delete;
 
-  [[nodiscard]] ProcessRow rowIn(ProcessList& list) const {
-    for (auto& row : list.rows().value_or(std::vector<ProcessRow>())) {
-      if (row.pid == pid_) return row;
-    }
-    return {};
-  }
+  [[nodiscard]] pid_t pid() const { return pid_; }
 
  private:
   pid_t pid_ = -1;
 };
 
-TEST(LinuxProcessList, TellsTheSameAsPs) {
+std::map<std::int32_t, ProcessRow> rowsByPid(ProcessList& list) {
+  std::map<std::int32_t, ProcessRow> byPid;
+  for (auto& row : list.rows().value_or(std::vector<ProcessRow>())) byPid[row.pid] = std::move(row);
+  return byPid;
+}
+
+std::string matchText(const ProcessRow& row) {
+  const auto match = matchCommandLine(row);
+  return match ? match->name + (match->isWorking ? " works: " : ": ") + match->command : "";
+}
+
+TEST(LinuxProcessList, TellsTheSameAsPsOfEveryLiveProcess) {
   ::unsetenv("COLUMNS");  // cuts what ps prints
+  const std::string wait = "kill -STOP $$; :";
+  const std::vector<std::string> agents[] = {{"claude", "-c", wait, "--resume"},
+                                             {"node", "-c", wait, "/x/bin/codex", "", "two  blanks", " "},
+                                             {"/usr/bin/aider", "-c", wait},
+                                             {"opencode", "-c", wait, std::string(60'000, 'y')}};
+  std::vector<std::unique_ptr<Waiting>> children;
+  for (const auto& words : agents) children.push_back(std::make_unique<Waiting>(words));
+  const auto printable = [](const std::string& text) {
+    return std::ranges::all_of(text, [](unsigned char c) { return std::isprint(c) != 0; });
+  };
+
   PsProcessList ps;
   const auto list = makeLinuxProcessList(std::make_shared<MemoryLogSink>());
-  const std::string wait = "kill -STOP $$; :";
-  for (const std::vector<std::string>& words : {std::vector<std::string>{"claude", "-c", wait, "--resume"},
-                                                {"node", "-c", wait, "/x/bin/codex", "", "two  blanks", " "},
-                                                {"x", "-c", wait, std::string(60'000, 'y')}}) {
-    const Waiting child(words);
-    const ProcessRow row = child.rowIn(*list);
-    EXPECT_TRUE(row.commandLine.starts_with(words[0] + " -c " + wait));
-    EXPECT_EQ(row.commandLine, child.rowIn(ps).commandLine);
-    EXPECT_EQ(row.parentPid, ::getpid());
+  const auto before = rowsByPid(ps);
+  const auto rows = rowsByPid(*list);
+  const auto after = rowsByPid(ps);
+  for (const auto& [pid, row] : rows) {
+    const auto first = before.find(pid);
+    const auto last = after.find(pid);
+    if (first == before.end() || last == after.end() || first->second != last->second) continue;
+    if (!printable(row.commandLine)) continue;
+    EXPECT_EQ(row.commandLine, first->second.commandLine);
+    EXPECT_EQ(matchText(row), matchText(first->second));
+  }
+  for (const auto& child : children) {
+    ASSERT_TRUE(rows.contains(child->pid()) && before.contains(child->pid()));
+    EXPECT_EQ(rows.at(child->pid()).parentPid, ::getpid());
+    EXPECT_NE(matchText(rows.at(child->pid())), "");
   }
 }
 
