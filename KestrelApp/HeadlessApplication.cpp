@@ -16,6 +16,8 @@ namespace {
 
 /// How long the running instance may take to answer.
 constexpr double kShowTimeoutSeconds = 2;
+/// How long the end may wait for the helper to be told.
+constexpr double kReleaseTimeoutSeconds = 1.5;
 
 std::shared_ptr<LogSink> makeApplicationLog(std::shared_ptr<const Clock> clock,
                                             std::shared_ptr<HeadlessStatusLine> statusLine) {
@@ -37,7 +39,7 @@ HeadlessApplication::HeadlessApplication(Directories directories, std::string ow
       writePolicy_(std::make_shared<KestrelWritePolicy>(directories_, logSink_)),
       files_(std::make_shared<AtomicFileWriter>(writePolicy_, Logger(logSink_, "files"))),
       loop_(makeMainLoop()),
-      signals_(loop_->executor(), [this] { loop_->stop(); }) {}
+      signals_(loop_->executor(), [this] { end(); }) {}
 
 HeadlessApplication::~HeadlessApplication() = default;
 
@@ -78,9 +80,16 @@ int HeadlessApplication::runAsOnlyInstance() {
     statusLine_->show(statusLine(coordinator->currentDecision().get(), coordinator->hold().get()));
   });
   coordinator->start();
+  coordinator_ = coordinator.get();
   loop_->run();
-  coordinator->stop();
   return 0;
+}
+
+void HeadlessApplication::end() {
+  AppCoordinator* const running = std::exchange(coordinator_, nullptr);
+  if (running == nullptr) return loop_->stop();  // Not yet started, or asked again.
+  deadline_ = loop_->executor().after(kReleaseTimeoutSeconds, [this] { loop_->stop(); });
+  running->stop([this] { loop_->stop(); });
 }
 
 void HeadlessApplication::printHints() const {

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "KestrelApp/HeadlessStatusLine.h"
-#include "KestrelApp/TerminationSignals.h"
 #include "KestrelCore/AppCoordinator.h"
 #include "KestrelCore/Control/ControlServer.h"
 #include "KestrelCore/Control/ControlService.h"
@@ -13,6 +12,7 @@
 #include "KestrelCore/Power/KestrelWritePolicy.h"
 #include "KestrelCore/Support/AtomicFile.h"
 #include "KestrelCore/Support/InstanceLock.h"
+#include "KestrelCore/Support/TerminationSignals.h"
 #include "KestrelPlatform/PlatformFactory.h"
 
 namespace kestrel {
@@ -30,6 +30,8 @@ class HeadlessApplication {
  private:
   int runAsOnlyInstance();
   int deferToRunningInstance();
+  /// At a signal: releases everything, then ends the loop.
+  void end();
   void printHints() const;
 
   const Directories directories_;
@@ -42,6 +44,9 @@ class HeadlessApplication {
   const std::unique_ptr<MainLoop> loop_;
   const TerminationSignals signals_;
   InstanceLock lock_;
+  /// While it is started; owned by `runAsOnlyInstance`.
+  AppCoordinator* coordinator_ = nullptr;
+  RegistrationPtr deadline_;
 };
 
 }  // namespace kestrel

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "KestrelControl/HelperCommand.h"
 #include "KestrelControl/StatusText.h"
 #include "KestrelCore/Platform/Directories.h"
 #include "KestrelCore/Support/Clock.h"
@@ -53,9 +54,10 @@ int print(const std::string& text) {
 
 }  // namespace
 
-int runControl(const ControlOptions& options) {
+int runControl(const ControlOptions& options, const std::string& ownPath) {
   const auto directories = userDirectories();
   if (!directories) return complain("kestrelctl: HOME names no home directory", kControlFailed);
+  if (options.helper) return runHelperCommand(*options.helper, *directories, ownPath);
   const SocketExchange exchanged = exchange(*directories, options.request);
   if (exchanged.outcome == SocketExchange::Outcome::nobodyListens) {
     return complain("Kestrel is not running.", kControlNotRunning);

@@ -36,6 +36,7 @@ class Grammar {
     command(app_, "sessions", "The agents' sessions");
     command(app_, "doctor", "What works on this machine, what does not, and what to do about it");
     addSettings();
+    addHelper();
   }
 
   CLI::App& app() { return app_; }
@@ -68,7 +69,26 @@ class Grammar {
     word(set, "VALUE", "true or false, a number, or a date or none");
   }
 
+  void addHelper() {
+    auto* helper =
+        app_.add_subcommand("helper", "The helper that keeps the machine awake with its lid closed");
+    helper->require_subcommand(1);
+    auto* status = helper->add_subcommand("status", "Who answers, and what it holds");
+    status->add_flag("--json", helper_.json, "Print the result as JSON");
+    for (auto* command :
+         {status, helper->add_subcommand("install", "Install it and start it, now and always"),
+          helper->add_subcommand("uninstall", "End its hold and remove it")}) {
+      if (command != status)
+        command->add_flag("--user", helper_.forThisUser, "For this user alone, without root");
+      command->final_callback([this, name = command->get_name()] {
+        helper_.verb = name;
+        options_.helper = helper_;
+      });
+    }
+  }
+
   ControlOptions& options_;
+  HelperOptions helper_;
   std::vector<std::string> words_;
   CLI::App app_{"Asks a running Kestrel what it does, and tells it what to do.", "kestrelctl"};
 };

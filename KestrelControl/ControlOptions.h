@@ -13,9 +13,19 @@ inline constexpr int kControlFailed = 1;
 inline constexpr int kControlUsage = 2;
 inline constexpr int kControlNotRunning = 3;
 
+/// What is to be done about the privileged helper.
+struct HelperOptions {
+  /// status, install or uninstall.
+  std::string verb;
+  bool forThisUser = false;
+  bool json = false;
+};
+
 /// What the words on the command line ask for.
 struct ControlOptions {
   ControlRequest request;
+  /// Present when not Kestrel is asked but its helper.
+  std::optional<HelperOptions> helper;
   /// Print the result as JSON.
   bool json = false;
   /// Present when nothing is to be asked: help or the version was printed, or what is wrong with the words.

@@ -146,11 +146,22 @@ std::string statusText(const Json& report, Date now) {
   text += row("Power:", powerText(member(report, "power")));
   text += row("Heat:", withSource(textIn(report, "thermalState"), optionalString(report, "thermalSource")));
   text += row("Lid:", lidText(report));
+  text += row("Helper:", helperText(member(report, "helper"), now));
   text += row("Sessions:", sessions.empty() ? "none" : std::to_string(sessions.size()));
   text += sessionLines(sessions, now, std::string(10, ' '), kSessionsInStatus);
   const auto paused = dateIn(report, "pausedUntil");
   if (paused && *paused > now) text += row("Paused:", "for another " + formatDuration(*paused - now));
   return text;
+}
+
+std::string helperText(const Json& helper, Date now) {
+  if (!helper.is_object()) return kUnknown;
+  if (!optionalBool(helper, "isHelperInstalled").value_or(false)) return "no helper answers";
+  if (!optionalBool(helper, "isDeepHoldActive").value_or(false)) return "ready";
+  const bool isOff = optionalBool(helper, "currentSystemSleepDisabled").value_or(false);
+  const auto expiry = dateIn(helper, "leaseExpiresAt");
+  return std::string(isOff ? "holds with the lid closed" : "holds, but sleep is not switched off") +
+         (expiry ? ", for another " + formatDuration(*expiry - now) + " unless renewed" : "");
 }
 
 std::string sessionsText(const Json& report, Date now) {

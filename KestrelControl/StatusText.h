@@ -23,6 +23,9 @@ std::string settingsText(const Json& settings);
 /// The answer to `doctor`: a line for each capability, and under it what to do.
 std::string doctorText(const Json& report);
 
+/// The privileged helper's part of a status.
+std::string helperText(const Json& helper, Date now);
+
 /// The answer to any other command: its status description, or the bare value of one setting.
 std::string changeText(const Json& result);
 

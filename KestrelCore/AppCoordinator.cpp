@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <iterator>
 #include <unistd.h>
 #include <utility>
 
@@ -61,6 +62,10 @@ AppCoordinator::AppCoordinator(const Context& context)
       agentCoordinator_(std::make_shared<AgentStateCoordinator>(context.clock, context.logSink)),
       idleAssertionController_(
           std::make_unique<IdleWakeAssertionController>(*context.platform.powerAssertions, context.logSink)),
+      deepHold_(std::make_unique<DeepHoldSupervisor>(
+          std::make_unique<DeepSleepController>(DeepSleepController::defaultSocketPath(context.directories),
+                                                context.logSink),
+          context.mainExecutor)),
       batteryMonitor_(std::make_unique<BatteryMonitor>(*context.platform.powerSource,
                                                        *context.platform.lowPowerMode, context.logSink)),
       thermalMonitor_(std::make_unique<ThermalMonitor>(*context.platform.thermal, context.logSink)),
@@ -78,6 +83,7 @@ AppCoordinator::~AppCoordinator() = default;
 
 void AppCoordinator::setupSubscriptions() {
   requests_ = std::make_shared<EvaluationRequests>(mainExecutor_, weak_from_this());
+  deepHold_->setOnChange(evaluationRequest());
   hookReceiver_->setDelegate(agentCoordinator_);
   agentCoordinator_->setDelegate(requests_);
   processMonitor_->setOnProcessesUpdated([this, weak = weak_from_this()](std::vector<ProcessMatch> matches) {
@@ -112,6 +118,7 @@ void AppCoordinator::start() {
   }));
   processMonitor_->start(kScanSeconds);
   startHookReceiver();
+  deepHold_->tick(clock_->now());
   evalTimer_ = mainExecutor_.repeat(kTickSeconds, kTickSeconds, [weak = weak_from_this()] {
     if (const auto coordinator = weak.lock()) coordinator->tick();
   });
@@ -126,7 +133,7 @@ void AppCoordinator::startHookReceiver() {
   }
 }
 
-void AppCoordinator::stop() {
+void AppCoordinator::stop(std::function<void()> onReleased) {
   isStopped_ = true;
   evalTimer_.reset();
   hookReceiver_->stop();
@@ -134,6 +141,7 @@ void AppCoordinator::stop() {
   thermalMonitor_->stop();
   processMonitor_->stop();
   idleAssertionController_->release();
+  deepHold_->release(std::move(onReleased));
 }
 
 void AppCoordinator::mergeScan(const std::vector<ProcessMatch>& matches) {
@@ -146,6 +154,7 @@ void AppCoordinator::tick() {
   const Date now = clock_->now();
   agentCoordinator_->sweepStaleSessions(now);
   agentCoordinator_->removeSessionsStaleFor(kForgetStaleAfterSeconds, now);
+  deepHold_->tick(now);
   evaluate();
 }
 
@@ -173,7 +182,7 @@ void AppCoordinator::evaluate() {
   currentDecision_.set(decision);
   handleDecisionTransition(previousDecision_, decision);
   previousDecision_ = decision;
-  hold_.set(holdStatus(protectionStartedAt_.get(), idleAssertionController_->evidence()));
+  hold_.set(holdStatus(protectionStartedAt_.get(), holdEvidence()));
   evaluated_();
 }
 
@@ -206,6 +215,13 @@ void AppCoordinator::handleDecisionTransition(const WakeDecision& from, const Wa
     protectionStartedAt_.set(std::nullopt);
     idleAssertionController_->release();
   }
+  deepHold_->follow(to.asHold() != nullptr && to.asHold()->requiresDeepHold);
+}
+
+std::vector<HoldEvidence> AppCoordinator::holdEvidence() {
+  auto evidence = idleAssertionController_->evidence();
+  std::ranges::move(deepHold_->evidence(), std::back_inserter(evidence));
+  return evidence;
 }
 
 double AppCoordinator::elapsedProtectionSeconds() const {

@@ -12,6 +12,7 @@
 #include "KestrelCore/Policy/WakeDecision.h"
 #include "KestrelCore/Policy/WakePolicyEngine.h"
 #include "KestrelCore/Power/BatteryMonitor.h"
+#include "KestrelCore/Power/DeepHoldSupervisor.h"
 #include "KestrelCore/Power/HoldStatus.h"
 #include "KestrelCore/Power/IdleWakeAssertionController.h"
 #include "KestrelCore/Power/LidMonitor.h"
@@ -51,8 +52,9 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   /// Starts the monitors, the hook receiver and the timer, then evaluates once. Without a hook socket it goes
   /// on.
   void start();
-  /// Stops them and releases every hold; nothing is evaluated any more.
-  void stop();
+  /// Stops them and releases every hold; nothing is evaluated any more. The helper is told meanwhile:
+  /// `onReleased` is called on the main executor when it was, or could not be.
+  void stop(std::function<void()> onReleased = [] {});
 
   /// One evaluation cycle.
   void evaluate();
@@ -69,6 +71,10 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   [[nodiscard]] const Published<SessionList>& activeSessionsList() const { return activeSessionsList_; }
   /// What the system says of the current hold.
   [[nodiscard]] const Published<HoldStatus>& hold() const { return hold_; }
+  /// What the privileged helper last said; absent until it was asked for the first time.
+  [[nodiscard]] const Published<std::optional<DeepSleepStatus>>& helperStatus() const {
+    return deepHold_->helperStatus();
+  }
   /// Seconds since the current hold began, 0 without one.
   [[nodiscard]] double elapsedProtectionSeconds() const;
 
@@ -94,6 +100,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   void publishSessions(const std::shared_ptr<const SessionTable>& sessions);
   void rememberBatteryBlock(const WakeDecision& decision, const PolicyEvaluationContext& context);
   void handleDecisionTransition(const WakeDecision& from, const WakeDecision& to);
+  [[nodiscard]] std::vector<HoldEvidence> holdEvidence();
   [[nodiscard]] std::function<void()> evaluationRequest();
 
   Platform& platform_;
@@ -107,6 +114,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   const std::shared_ptr<AgentStateCoordinator> agentCoordinator_;
   WakePolicyEngine policyEngine_;
   const std::unique_ptr<IdleWakeControlling> idleAssertionController_;
+  std::unique_ptr<DeepHoldSupervisor> deepHold_;
   const std::unique_ptr<BatteryMonitoring> batteryMonitor_;
   const std::unique_ptr<ThermalMonitoring> thermalMonitor_;
   const std::unique_ptr<LidMonitoring> lidMonitor_;

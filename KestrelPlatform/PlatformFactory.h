@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
+#include "KestrelCore/Platform/HelperPlatform.h"
 #include "KestrelCore/Platform/Platform.h"
 #include "KestrelCore/Support/Executor.h"
 
@@ -21,6 +23,13 @@ struct PlatformContext {
 
 /// The backends of the system this was built for. Main thread.
 Platform makePlatform(const PlatformContext& context);
+
+/// The same for the helper. Main thread.
+HelperPlatform makeHelperPlatform(const PlatformContext& context);
+
+/// Where a helper that this user runs keeps its files: root's serves the whole machine. Absent without a home
+/// directory.
+std::optional<HelperPlaces> helperPlaces();
 
 /// Where this process's log lines go: the system's log, or standard error where there is none; `toTerminal`
 /// prefers standard error when it is a terminal. Repeats are not limited: the caller, who has the clock,

@@ -36,6 +36,12 @@ Json powerReport(const BatteryMonitoring& monitor) {
 
 }  // namespace
 
+Json readableHelperStatus(const DeepSleepStatus& status) {
+  Json object = encode(status);
+  if (status.leaseExpiresAt) object["leaseExpiresAt"] = iso8601(*status.leaseExpiresAt);
+  return object;
+}
+
 Json sessionsReport(AppCoordinator& coordinator) {
   Json list = Json::array();
   for (const auto& session : coordinator.activeSessionsList().get())
@@ -45,6 +51,7 @@ Json sessionsReport(AppCoordinator& coordinator) {
 
 Json statusReport(AppCoordinator& coordinator) {
   const WakeDecision& decision = coordinator.currentDecision().get();
+  const auto& helper = coordinator.helperStatus().get();
   return {{"version", kKestrelVersion},
           {"statusDescription", decision.statusDescription()},
           {"decision", encode(decision)},
@@ -56,7 +63,7 @@ Json statusReport(AppCoordinator& coordinator) {
           {"thermalSource", orNull(coordinator.thermalMonitor().sourceName())},
           {"lidClosed", orNull(coordinator.lidMonitor().reading())},
           {"lidSource", orNull(coordinator.lidMonitor().sourceName())},
-          {"helper", nullptr},
+          {"helper", helper ? readableHelperStatus(*helper) : Json(nullptr)},
           {"usage", nullptr},
           {"settings", settingsReport(coordinator.settings())},
           {"pausedUntil", isoOrNull(coordinator.settings().pauseUntil())}};

@@ -15,4 +15,7 @@ Json statusReport(AppCoordinator& coordinator);
 /// The sessions, newest start first, as `status` lists them.
 Json sessionsReport(AppCoordinator& coordinator);
 
+/// What the helper says, with its dates readable.
+Json readableHelperStatus(const DeepSleepStatus& status);
+
 }  // namespace kestrel

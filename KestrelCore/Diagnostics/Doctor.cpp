@@ -72,6 +72,21 @@ Capability lid(const DoctorFindings& findings) {
   return {"lid", State::unavailable, "unknown; counts as open", "nothing to do on a machine without a lid"};
 }
 
+Capability lidClosedHold(const DoctorFindings& findings) {
+  const auto& helper = findings.helper;
+  if (!helper || !helper->isHelperInstalled) {
+    return {"lid-closed hold", State::unavailable,
+            "no helper answers: closing the lid lets the machine sleep",
+            "on a laptop: kestrelctl helper install, then start Kestrel again"};
+  }
+  if (helper->isDeepHoldActive && !helper->currentSystemSleepDisabled) {
+    return {"lid-closed hold", State::limited, "the helper cannot switch sleep off",
+            "its own log tells why; a user's helper needs a local session, root's does not"};
+  }
+  return {"lid-closed hold", State::works,
+          helper->isDeepHoldActive ? "held by the helper" : "the helper answers", ""};
+}
+
 Capability processList(const DoctorFindings& findings) {
   if (findings.processSource) return {"process list", State::works, *findings.processSource, ""};
   return {"process list", State::unavailable, "agents without hooks are not seen", "make /proc readable"};
@@ -103,9 +118,9 @@ Capability agentLogs(const DoctorFindings& findings) {
 }  // namespace
 
 std::vector<Capability> examine(const DoctorFindings& findings) {
-  return {loginManager(findings), desktopInhibition(findings), battery(findings), heat(findings),
-          lid(findings),          processList(findings),       sockets(findings), settingsFile(findings),
-          agentLogs(findings)};
+  return {loginManager(findings), desktopInhibition(findings), battery(findings),     heat(findings),
+          lid(findings),          lidClosedHold(findings),     processList(findings), sockets(findings),
+          settingsFile(findings), agentLogs(findings)};
 }
 
 Json encode(const std::vector<Capability>& report) {

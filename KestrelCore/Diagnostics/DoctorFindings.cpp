@@ -41,6 +41,7 @@ DoctorFindings doctorFindings(AppCoordinator& coordinator) {
   findings.thermalSource = coordinator.thermalMonitor().sourceName();
   findings.lidClosed = coordinator.lidMonitor().reading();
   findings.lidSource = coordinator.lidMonitor().sourceName();
+  findings.helper = coordinator.helperStatus().get();
   findings.processSource = platform.processes->sourceName();
   findings.hookSocketListens = coordinator.hookReceiver().isRunning();
   findings.hookSocketPath = directories.hookSocket();

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "KestrelCore/Platform/PowerAssertions.h"
+#include "KestrelCore/Power/DeepSleepStatus.h"
 #include "KestrelCore/Power/PowerSourceSnapshot.h"
 #include "KestrelCore/Power/SystemThermalState.h"
 
@@ -23,6 +24,8 @@ struct DoctorFindings {
   std::optional<std::string> thermalSource;
   std::optional<bool> lidClosed;
   std::optional<std::string> lidSource;
+  /// Absent while the helper was not asked yet.
+  std::optional<DeepSleepStatus> helper;
   std::optional<std::string> processSource;
   bool hookSocketListens = false;
   std::string hookSocketPath;

@@ -19,11 +19,17 @@ struct Directories {
   std::filesystem::path temporary;
   /// Path prefixes of the system-wide helper's run-time files.
   std::vector<std::filesystem::path> runtimePrefixes;
+  /// Where the helper listens that serves the whole machine.
+  std::filesystem::path systemHelperSocket = "/var/run/kestrel-helper.sock";
 
   [[nodiscard]] std::filesystem::path runDirectory() const { return applicationSupport / "Kestrel" / "run"; }
   [[nodiscard]] std::filesystem::path hookSocket() const { return runDirectory() / "kestrel.sock"; }
   [[nodiscard]] std::filesystem::path controlSocket() const {
     return runDirectory() / "kestrel-control.sock";
+  }
+  /// Where a helper listens that this user runs.
+  [[nodiscard]] std::filesystem::path userHelperSocket() const {
+    return runDirectory() / "kestrel-helper.sock";
   }
   [[nodiscard]] std::filesystem::path lockFile() const { return runDirectory() / "kestrel.lock"; }
   [[nodiscard]] std::filesystem::path settingsFile() const { return preferences / "com.kestrel.app.json"; }

@@ -56,7 +56,10 @@ std::string obstacle(const HoldEvidence& entry) {
 
 std::string withObstacles(const std::string& text, const HoldStatus& hold) {
   TextList obstacles;
-  for (const auto& entry : hold.by) obstacles.add(obstacle(entry));
+  for (const auto& entry : hold.by) {
+    // A lid that is open needs no hold of its own.
+    if (entry.kind != HoldKind::lid) obstacles.add(obstacle(entry));
+  }
   const std::string why = obstacles.joined("; ");
   return why.empty() ? text : text + ": " + why;
 }

@@ -1,8 +1,10 @@
 #include "KestrelCore/Support/AtomicFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -21,6 +23,12 @@ std::string reasonOf(int code) {
   return std::generic_category().message(code);
 }
 
+/// Absent for error 0.
+FileFailure failure(const char* what, const path& path, int error) {
+  if (error == 0) return std::nullopt;
+  return fmt::format("Cannot {} {}: {} ({})", what, path.string(), reasonOf(error), error);
+}
+
 /// Returns 0 or errno.
 int writeAll(int descriptor, std::string_view content) {
   while (!content.empty()) {
@@ -32,9 +40,22 @@ int writeAll(int descriptor, std::string_view content) {
   return 0;
 }
 
-int writeDurably(int descriptor, std::string_view content) {
-  if (const int error = writeAll(descriptor, content); error != 0) return error;
+int writeDurably(int descriptor, const ContentProducer& produce) {
+  int error = 0;
+  produce([&](std::string_view piece) {
+    if (error == 0) error = writeAll(descriptor, piece);
+  });
+  if (error != 0) return error;
   return ::fsync(descriptor) == 0 ? 0 : errno;
+}
+
+/// Gives the file a second name, or, where the file system or its owner does not allow that, another one.
+int keepOld(const path& target, const std::string& suffix) {
+  if (suffix.empty()) return 0;
+  const std::string kept = target.string() + suffix;
+  if (::link(target.c_str(), kept.c_str()) == 0 || errno == ENOENT) return 0;
+  if (errno == EEXIST) return errno;
+  return ::rename(target.c_str(), kept.c_str()) == 0 ? 0 : errno;
 }
 
 /// Makes a rename in the folder survive a crash; not every file system can, so the result does not matter.
@@ -44,12 +65,13 @@ void syncFolder(const path& folder) {
 }
 
 /// Writes the content to a new file beside the target and renames it. Returns 0 or errno.
-int replaceFile(const path& target, std::string_view content) {
+int replaceFile(const path& target, const ContentProducer& produce, const std::string& keptSuffix) {
   std::string temporary = target.string() + ".XXXXXX";
   UniqueDescriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));  // Mode 0600.
   if (!descriptor) return errno;
-  int error = writeDurably(descriptor.get(), content);
+  int error = writeDurably(descriptor.get(), produce);
   descriptor.reset();
+  if (error == 0) error = keepOld(target, keptSuffix);
   if (error == 0 && ::rename(temporary.c_str(), target.c_str()) != 0) error = errno;
   if (error != 0) ::unlink(temporary.c_str());
   if (error == 0) syncFolder(target.parent_path());
@@ -77,11 +99,87 @@ AtomicFileWriter::AtomicFileWriter(std::shared_ptr<const KestrelWritePolicy> pol
 
 bool AtomicFileWriter::write(const path& path, std::string_view content) const {
   if (!policy_->mayWrite(path)) return false;
+  const auto failed = replaceAllowed(path, [&](const auto& append) { append(content); }, {});
+  if (failed) logger_.error("{}", *failed);
+  return !failed;
+}
+
+FileFailure AtomicFileWriter::replace(const path& path, const ContentProducer& produce,
+                                      const std::string& keptSuffix) const {
+  if (auto refused = refusal(path)) return refused;
+  return replaceAllowed(path, produce, keptSuffix);
+}
+
+FileFailure AtomicFileWriter::replaceAllowed(const path& path, const ContentProducer& produce,
+                                             const std::string& keptSuffix) const {
   const auto target = followLinks(path);
+  if (!keptSuffix.empty()) {
+    if (auto refused = refusal(target.string() + keptSuffix)) return refused;
+  }
   int error = createPrivateFolders(target.parent_path());
-  if (error == 0) error = replaceFile(target, content);
-  if (error != 0) logger_.error("Cannot write {}: {} ({})", path.string(), reasonOf(error), error);
-  return error == 0;
+  if (error == 0) error = replaceFile(target, produce, keptSuffix);
+  return failure("write", path, error);
+}
+
+FileFailure AtomicFileWriter::openForAppending(const path& path, std::uint64_t validBytes,
+                                               AppendFile& file) const {
+  file.close();
+  if (auto refused = refusal(path)) return refused;
+  if (const int error = createPrivateFolders(path.parent_path()); error != 0) {
+    return failure("open", path, error);
+  }
+  UniqueDescriptor descriptor(
+      ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
+  struct stat status {};
+  if (!descriptor || ::fstat(descriptor.get(), &status) != 0) return failure("open", path, errno);
+  if (!S_ISREG(status.st_mode)) return failure("open", path, EINVAL);
+  const auto size = std::min(validBytes, static_cast<std::uint64_t>(status.st_size));
+  if (::ftruncate(descriptor.get(), static_cast<off_t>(size)) != 0) return failure("shorten", path, errno);
+  file.path_ = path;
+  file.descriptor_ = std::move(descriptor);
+  file.size_ = size;
+  return std::nullopt;
+}
+
+FileFailure AtomicFileWriter::remove(const path& path) const {
+  if (auto refused = refusal(path)) return refused;
+  if (::unlink(path.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR) {
+    return failure("remove", path, errno);
+  }
+  syncFolder(path.parent_path());
+  return std::nullopt;
+}
+
+FileFailure AtomicFileWriter::refusal(const path& path) const {
+  try {
+    policy_->assertCanWrite(path);
+  } catch (const KestrelWriteSecurityError& error) {
+    return error.errorDescription();
+  }
+  return std::nullopt;
+}
+
+FileFailure AppendFile::append(std::string_view bytes) {
+  struct stat status {};
+  int error = !descriptor_ ? EBADF : ::fstat(descriptor_.get(), &status) != 0 ? errno : 0;
+  if (error == 0 && status.st_nlink == 0) error = ENOENT;
+  if (error == 0) {
+    error = writeAll(descriptor_.get(), bytes);
+    if (error == 0) {
+      size_ += bytes.size();
+      return std::nullopt;
+    }
+    if (::ftruncate(descriptor_.get(), static_cast<off_t>(size_)) == 0) {
+      return failure("append to", path_, error);
+    }
+  }
+  close();
+  return failure("append to", path_, error);
+}
+
+void AppendFile::close() {
+  descriptor_.reset();
+  size_ = 0;
 }
 
 bool AtomicFileWriter::createIfMissing(const path& path) const {

@@ -73,6 +73,11 @@ std::string dumpJson(const Json& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
+bool isGiven(const Json& object, std::string_view key) {
+  const auto member = object.find(key);
+  return member != object.end() && !member->is_null();
+}
+
 std::optional<std::string> optionalString(const Json& object, std::string_view key) {
   const Json* value = find(object, key);
   if (value == nullptr || !value->is_string()) return std::nullopt;

@@ -25,6 +25,9 @@ Json parseJsonObject(std::string_view bytes);
 /// Compact text, never throws: bytes that are not UTF-8 become the replacement character. Keys are sorted.
 std::string dumpJson(const Json& json);
 
+/// Whether the object has the key, and not with a null.
+bool isGiven(const Json& object, std::string_view key);
+
 // Lenient readers: absent when the key is missing or its value has another type.
 
 std::optional<std::string> optionalString(const Json& object, std::string_view key);

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "KestrelCore/Support/JsonObjectEnd.h"
 #include "KestrelCore/Support/UnixSocket.h"
 
 namespace kestrel {
@@ -23,16 +24,17 @@ SocketConnection::SocketConnection(Executor& executor, UniqueDescriptor socket,
 void SocketConnection::start(std::function<void()> onEnd) {
   onEnd_ = std::move(onEnd);
   setNonBlocking(socket_.get(), true);
-  restartDeadline();
+  restartDeadline(protocol_.reading == UnixSocketServer::Reading::untilComplete ? &SocketConnection::handle
+                                                                                : &SocketConnection::end);
   readiness_ = executor_.watch(socket_.get(), Executor::Readiness::readable, [self = weak_from_this()] {
     if (const auto connection = self.lock()) connection->readMore();
   });
   if (!readiness_) end();
 }
 
-void SocketConnection::restartDeadline() {
-  deadline_ = executor_.after(protocol_.timeoutSeconds, [self = weak_from_this()] {
-    if (const auto connection = self.lock()) connection->end();
+void SocketConnection::restartDeadline(void (SocketConnection::*onDeadline)()) {
+  deadline_ = executor_.after(protocol_.timeoutSeconds, [self = weak_from_this(), onDeadline] {
+    if (const auto connection = self.lock()) (connection.get()->*onDeadline)();
   });
 }
 
@@ -45,8 +47,15 @@ void SocketConnection::readMore() {
     handle();
   } else {
     request_.append(buffer.data(), static_cast<std::size_t>(count));
-    if (request_.size() > protocol_.maximumRequestBytes) handle();
+    if (request_.size() > protocol_.maximumRequestBytes || isComplete()) handle();
   }
+}
+
+bool SocketConnection::isComplete() {
+  if (protocol_.reading != UnixSocketServer::Reading::untilComplete) return false;
+  const auto end = endOfJsonObject(request_);
+  if (end) request_.resize(*end);
+  return end.has_value();
 }
 
 void SocketConnection::handle() {
@@ -54,7 +63,7 @@ void SocketConnection::handle() {
   if (request_.empty()) return end();
   const bool tooLarge = request_.size() > protocol_.maximumRequestBytes;
   reply_ = tooLarge ? UnixSocketServer::Reply{protocol_.tooLargeReply, {}} : handler_(request_);
-  restartDeadline();
+  restartDeadline(&SocketConnection::end);
   writeMore();
 }
 

@@ -20,8 +20,9 @@ class SocketConnection : public std::enable_shared_from_this<SocketConnection> {
   void start(std::function<void()> onEnd);
 
  private:
-  void restartDeadline();
+  void restartDeadline(void (SocketConnection::*onDeadline)());
   void readMore();
+  bool isComplete();
   void handle();
   void writeMore();
   void end();

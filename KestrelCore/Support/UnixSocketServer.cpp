@@ -109,6 +109,7 @@ class UnixSocketServer::Listener : public std::enable_shared_from_this<UnixSocke
   bool isTrusted(int client) const {
     const auto user = peers_->userOf(client);
     if (user && (*user == ownUser_ || *user == 0)) return true;
+    if (user && protocol_.alsoServes && protocol_.alsoServes(*user)) return true;
     logger_.error("Refused a connection of user {}", user ? static_cast<long>(*user) : -1L);
     return false;
   }
@@ -131,6 +132,7 @@ UnixSocketServer::UnixSocketServer(Executor& executor, std::string path, Protoco
                                    std::shared_ptr<const KestrelWritePolicy> policy, Logger logger,
                                    Handler handler)
     : path_(std::move(path)),
+      socketMode_(protocol.socketMode),
       policy_(std::move(policy)),
       listener_(std::make_shared<Listener>(executor, std::move(protocol), std::move(peers), std::move(logger),
                                            std::move(handler))) {}
@@ -162,7 +164,7 @@ std::optional<UnixSocketServer::StartFailure> UnixSocketServer::bindAndListen(in
   if (::bind(socket, reinterpret_cast<const sockaddr*>(&*address), sizeof *address) != 0) {
     return StartFailure{Step::bind, errno};
   }
-  (void)::chmod(path_.c_str(), 0600);
+  (void)::chmod(path_.c_str(), socketMode_);
   if (::listen(socket, kBacklog) == 0) return std::nullopt;
   const int error = errno;
   ::unlink(path_.c_str());

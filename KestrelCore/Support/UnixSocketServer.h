@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 
 #include "KestrelCore/Platform/PeerIdentity.h"
 #include "KestrelCore/Support/Executor.h"
@@ -15,9 +16,9 @@ namespace kestrel {
 
 class KestrelWritePolicy;
 
-/// A Unix-domain stream-socket server for one request and one reply per connection, private to the user: the
-/// folder gets mode 0700 when it is created, the socket 0600, and a peer that is neither the same effective
-/// user nor root is closed without a reply. What differs between the protocols is in `Protocol`.
+/// A Unix-domain stream-socket server for one request and one reply per connection, private to the user
+/// unless the protocol says otherwise: the folder gets mode 0700 when it is created, the socket 0600, and a
+/// peer that is neither the same effective user nor root is closed without a reply.
 class UnixSocketServer {
  public:
   enum class Reading {
@@ -26,6 +27,9 @@ class UnixSocketServer {
     once,
     /// Until the client half-closes; many clients at a time, nothing blocks.
     untilEndOfFile,
+    /// As before, but also until one JSON object is complete or the time is over; the handler gets what there
+    /// is then, and nothing that follows the object.
+    untilComplete,
   };
 
   struct Protocol {
@@ -34,7 +38,11 @@ class UnixSocketServer {
     /// For the request to arrive, and again for the reply to leave.
     double timeoutSeconds = 1;
     /// Sent when a request read until its end is longer than allowed.
-    std::string tooLargeReply;
+    std::string tooLargeReply = {};
+    /// Of the socket file.
+    mode_t socketMode = 0600;
+    /// Whom to serve beside the same user and root; nobody when empty. On the executor's thread.
+    std::function<bool(uid_t)> alsoServes = nullptr;
   };
 
   struct Reply {
@@ -70,6 +78,7 @@ class UnixSocketServer {
   std::optional<StartFailure> bindAndListen(int socket) const;
 
   const std::string path_;
+  const mode_t socketMode_;
   const std::shared_ptr<const KestrelWritePolicy> policy_;
   std::shared_ptr<Listener> listener_;
   bool isListening_ = false;

@@ -32,6 +32,11 @@ class DescriptorGrant final : public InhibitorService::Grant {
   UniqueDescriptor descriptor_;
 };
 
+/// What the service calls a kind of hold.
+std::string_view nameOf(HoldKind kind) {
+  return kind == HoldKind::lid ? "handle-lid-switch" : rawValue(kind);
+}
+
 InhibitorService::Answer readGrant(const BusReply& reply) {
   if (reply.message == nullptr) return {nullptr, reply.failure};
   int borrowed = -1;
@@ -55,7 +60,7 @@ struct LoginManager::Inhibitor {
   std::uint32_t process = 0;
 
   [[nodiscard]] bool isOurs(HoldKind kind, const std::string& reason) const {
-    return rawValue(kind) == what && reason == why && who == std::string_view(kInhibitorName) &&
+    return nameOf(kind) == what && reason == why && who == std::string_view(kInhibitorName) &&
            mode == std::string_view("block") && user == ::geteuid() &&
            process == static_cast<std::uint32_t>(::getpid());
   }
@@ -89,7 +94,7 @@ void LoginManager::followActivity() {
 void LoginManager::take(HoldKind kind, const std::string& reason, AnswerHandler handler) {
   if (link_.bus() == nullptr) return;
   auto call = link_.bus()->newCall(kService, kPath, kInterface, "Inhibit");
-  call.append("ssss", std::string(rawValue(kind)).c_str(), kInhibitorName, reason.c_str(), "block");
+  call.append("ssss", std::string(nameOf(kind)).c_str(), kInhibitorName, reason.c_str(), "block");
   link_.bus()->call(call, kTakeTimeoutSeconds,
                     [handler = std::move(handler)](const BusReply& reply) { handler(readGrant(reply)); });
 }

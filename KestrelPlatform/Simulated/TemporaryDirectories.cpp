@@ -28,6 +28,7 @@ TemporaryDirectories::TemporaryDirectories() : root_(makeFreshFolder()) {
   directories_.preferences = directories_.home / ".config";
   directories_.temporary = root_ / "tmp";
   directories_.runtimePrefixes = {root_ / "var/run/kestrel", root_ / "run/kestrel"};
+  directories_.systemHelperSocket = root_ / "run/kestrel-helper.sock";
   fs::create_directory(directories_.home);
   fs::create_directory(directories_.temporary);
 }

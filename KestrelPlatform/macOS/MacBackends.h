@@ -1,6 +1,8 @@
 #pragma once
 
+#include <CoreFoundation/CoreFoundation.h>
 #include <memory>
+#include <optional>
 
 #include "KestrelCore/Platform/Platform.h"
 
@@ -14,6 +16,8 @@ std::unique_ptr<PowerSource> makeMacPowerSource();
 std::unique_ptr<LowPowerMode> makeMacLowPowerMode();
 std::unique_ptr<ThermalSource> makeMacThermalSource();
 std::unique_ptr<LidSource> makeMacLidSource();
+/// A truth value of the kernel's power management; absent when it has none of that name.
+std::optional<bool> readPowerManagementFlag(CFStringRef key);
 std::unique_ptr<RunningApplications> makeMacRunningApplications();
 /// The standard user defaults of this process.
 std::unique_ptr<UserDefaults> makeMacUserDefaults(Executor& mainExecutor,

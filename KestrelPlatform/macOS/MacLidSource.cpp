@@ -5,16 +5,19 @@
 
 namespace kestrel {
 
-namespace {
-
-std::optional<bool> readClamshellState() {
+std::optional<bool> readPowerManagementFlag(CFStringRef key) {
   const io_service_t rootDomain =
       IOServiceGetMatchingService(kIOMainPortDefault, IOServiceMatching("IOPMrootDomain"));
   if (rootDomain == IO_OBJECT_NULL) return std::nullopt;
-  const CFRef<CFTypeRef> state(
-      IORegistryEntryCreateCFProperty(rootDomain, CFSTR("AppleClamshellState"), kCFAllocatorDefault, 0));
+  const CFRef<CFTypeRef> state(IORegistryEntryCreateCFProperty(rootDomain, key, kCFAllocatorDefault, 0));
   IOObjectRelease(rootDomain);
   return boolValue(state.get());
+}
+
+namespace {
+
+std::optional<bool> readClamshellState() {
+  return readPowerManagementFlag(CFSTR("AppleClamshellState"));
 }
 
 class MacLidSource final : public LidSource {

@@ -29,6 +29,8 @@ TEST(StatusText, ShowsEverythingThatIsKnown) {
     "power": {"isOnAC": false, "isCharging": false, "isLowPowerMode": true, "batteryPercent": 80,
               "timeRemainingMinutes": 90, "source": "UPower"},
     "thermalState": "fair", "thermalSource": "thermal zones", "lidClosed": true, "lidSource": "login manager",
+    "helper": {"isHelperInstalled": true, "isDeepHoldActive": true, "currentSystemSleepDisabled": true,
+               "leaseExpiresAt": "2026-11-21T12:00:59.000Z"},
     "pausedUntil": "2026-11-21T12:29:30.000Z"})");
   EXPECT_EQ(statusText(report, kNow),
             "Active (1 working agent) — Claude Code working\n"
@@ -39,6 +41,7 @@ TEST(StatusText, ShowsEverythingThatIsKnown) {
             "Power:    on battery, 80 %, 1 h 30 min left, low-power mode (UPower)\n"
             "Heat:     fair (thermal zones)\n"
             "Lid:      closed (login manager)\n"
+            "Helper:   holds with the lid closed, for another 59 s unless renewed\n"
             "Sessions: 1\n"
             "          Claude Code  working    12 s ago         s-1                       /home/u/p\n"
             "Paused:   for another 29 min 30 s\n");
@@ -46,7 +49,8 @@ TEST(StatusText, ShowsEverythingThatIsKnown) {
 
 TEST(StatusText, NullAndMissingAreUnknown) {
   const std::string unknown =
-      "unknown\nHold:     unknown\nPower:    unknown\nHeat:     unknown\nLid:      unknown\nSessions: none\n";
+      "unknown\nHold:     unknown\nPower:    unknown\nHeat:     unknown\nLid:      unknown\n"
+      "Helper:   unknown\nSessions: none\n";
   EXPECT_EQ(statusText(Json::object(), kNow), unknown);
   for (
       const char* report :

@@ -193,7 +193,8 @@ TEST(AppCoordinatorEnd, IsOnTheMainThreadAlsoWhileAHookIsBeingApplied) {
   app->start();
   const SocketClient client(world.directories().hookSocket());
   client.send(R"({"agent":"claude","state":"working"})");
-  while (posting < 2) std::this_thread::yield();  // The hook, and the first scan of the processes.
+  // The hook, the first scan of the processes and the helper's first status.
+  while (posting < 3) std::this_thread::yield();
 
   // Whoever drops the last reference ends the coordinator and waits for those threads, which therefore may go
   // on as soon as this thread has dropped its own.

@@ -23,6 +23,7 @@ DoctorFindings healthy() {
   findings.thermalSource = "thermal zones";
   findings.lidSource = "login manager";
   findings.lidClosed = false;
+  findings.helper = DeepSleepStatus{true, false, {}, {}, false, false};
   findings.processSource = "/proc";
   findings.hookSocketListens = true;
   findings.readableLogs = {"Claude Code"};
@@ -44,8 +45,8 @@ TEST(Doctor, NothingIsThere) {
       {"login manager", HoldKind::idle, HoldEvidenceState::unavailable, "it is not running"}};
   EXPECT_THAT(statesOf(findings),
               testing::ElementsAre(State::unavailable, State::unavailable, State::unavailable,
-                                   State::unavailable, State::unavailable, State::unavailable, State::limited,
-                                   State::works, State::unavailable));
+                                   State::unavailable, State::unavailable, State::unavailable,
+                                   State::unavailable, State::limited, State::works, State::unavailable));
   EXPECT_EQ(examine(findings)[0].detail, "it is not running");
 }
 
@@ -55,11 +56,13 @@ TEST(Doctor, NamesWhatIsBroken) {
   findings.settingsProblem = "it is no JSON object";
   findings.settingsPath = "/home/u/.config/com.kestrel.app.json";
   findings.unreadableLogs = {"Codex CLI"};
+  findings.helper->isDeepHoldActive = true;
   const auto report = examine(findings);
   EXPECT_EQ(report[1].state, State::unavailable);
-  EXPECT_EQ(report[7].state, State::limited);
-  EXPECT_EQ(report[7].advice, "mend or remove /home/u/.config/com.kestrel.app.json");
-  EXPECT_EQ(report[8].detail, "not readable: Codex CLI");
+  EXPECT_EQ(report[5].detail, "the helper cannot switch sleep off");
+  EXPECT_EQ(report[8].state, State::limited);
+  EXPECT_EQ(report[8].advice, "mend or remove /home/u/.config/com.kestrel.app.json");
+  EXPECT_EQ(report[9].detail, "not readable: Codex CLI");
 }
 
 }  // namespace

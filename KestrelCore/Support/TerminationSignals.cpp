@@ -1,4 +1,4 @@
-#include "KestrelApp/TerminationSignals.h"
+#include "KestrelCore/Support/TerminationSignals.h"
 
 #include <array>
 #include <cerrno>
