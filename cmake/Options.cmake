@@ -5,6 +5,8 @@ set(KESTREL_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, 'address,
 find_package(Threads REQUIRED)
 find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
+# Debian's library also links with libc++: no standard type is part of what is called in it.
+find_package(simdjson REQUIRED)
 
 # What every target of the project is compiled with.
 add_library(KestrelOptions INTERFACE)

@@ -148,9 +148,11 @@ void DeepHoldLeaseStore::releaseHold() {
   state_.expiresAt.reset();
 }
 
-/// A failure is in the log, and the lease goes on without the file.
+/// A failure is in the log, and the lease goes on without the file. Once a second is too often to wait for a
+/// disk, and after a crash of the machine nothing is held any more.
 void DeepHoldLeaseStore::save() const {
-  if (stateFile_) (void)stateFile_->writer->write(stateFile_->path, dumpJson(encode(state_)));
+  if (!stateFile_) return;
+  (void)stateFile_->writer->write(stateFile_->path, dumpJson(encode(state_)), Durability::process);
 }
 
 /// Always finite, whatever is asked for: anything else would have no form in the state file.

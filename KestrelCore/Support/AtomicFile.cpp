@@ -40,12 +40,12 @@ int writeAll(int descriptor, std::string_view content) {
   return 0;
 }
 
-int writeDurably(int descriptor, const ContentProducer& produce) {
+int writePieces(int descriptor, const ContentProducer& produce, Durability durability) {
   int error = 0;
   produce([&](std::string_view piece) {
     if (error == 0) error = writeAll(descriptor, piece);
   });
-  if (error != 0) return error;
+  if (error != 0 || durability == Durability::process) return error;
   return ::fsync(descriptor) == 0 ? 0 : errno;
 }
 
@@ -65,16 +65,17 @@ void syncFolder(const path& folder) {
 }
 
 /// Writes the content to a new file beside the target and renames it. Returns 0 or errno.
-int replaceFile(const path& target, const ContentProducer& produce, const std::string& keptSuffix) {
+int replaceFile(const path& target, const ContentProducer& produce, const std::string& keptSuffix,
+                Durability durability) {
   std::string temporary = target.string() + ".XXXXXX";
   UniqueDescriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));  // Mode 0600.
   if (!descriptor) return errno;
-  int error = writeDurably(descriptor.get(), produce);
+  int error = writePieces(descriptor.get(), produce, durability);
   descriptor.reset();
   if (error == 0) error = keepOld(target, keptSuffix);
   if (error == 0 && ::rename(temporary.c_str(), target.c_str()) != 0) error = errno;
   if (error != 0) ::unlink(temporary.c_str());
-  if (error == 0) syncFolder(target.parent_path());
+  if (error == 0 && durability == Durability::machine) syncFolder(target.parent_path());
   return error;
 }
 
@@ -97,9 +98,10 @@ path followLinks(const path& given) {
 AtomicFileWriter::AtomicFileWriter(std::shared_ptr<const KestrelWritePolicy> policy, Logger logger)
     : policy_(std::move(policy)), logger_(std::move(logger)) {}
 
-bool AtomicFileWriter::write(const path& path, std::string_view content) const {
+bool AtomicFileWriter::write(const path& path, std::string_view content, Durability durability) const {
   if (!policy_->mayWrite(path)) return false;
-  const auto failed = replaceAllowed(path, [&](const auto& append) { append(content); }, {});
+  const auto failed = replaceAllowed(
+      path, [&](const auto& append) { append(content); }, {}, durability);
   if (failed) logger_.error("{}", *failed);
   return !failed;
 }
@@ -107,17 +109,17 @@ bool AtomicFileWriter::write(const path& path, std::string_view content) const {
 FileFailure AtomicFileWriter::replace(const path& path, const ContentProducer& produce,
                                       const std::string& keptSuffix) const {
   if (auto refused = refusal(path)) return refused;
-  return replaceAllowed(path, produce, keptSuffix);
+  return replaceAllowed(path, produce, keptSuffix, Durability::machine);
 }
 
 FileFailure AtomicFileWriter::replaceAllowed(const path& path, const ContentProducer& produce,
-                                             const std::string& keptSuffix) const {
+                                             const std::string& keptSuffix, Durability durability) const {
   const auto target = followLinks(path);
   if (!keptSuffix.empty()) {
     if (auto refused = refusal(target.string() + keptSuffix)) return refused;
   }
   int error = createPrivateFolders(target.parent_path());
-  if (error == 0) error = replaceFile(target, produce, keptSuffix);
+  if (error == 0) error = replaceFile(target, produce, keptSuffix, durability);
   return failure("write", path, error);
 }
 

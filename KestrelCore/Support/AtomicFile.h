@@ -15,6 +15,10 @@ namespace kestrel {
 
 class KestrelWritePolicy;
 
+/// What a written file has to outlive: a crash of this process, or also one of the whole machine, which costs
+/// waiting for the disk.
+enum class Durability { process, machine };
+
 /// Absent when an operation succeeded; else one line that says what failed and why, for the caller to log.
 using FileFailure = std::optional<std::string>;
 
@@ -52,7 +56,8 @@ class AtomicFileWriter {
   AtomicFileWriter(std::shared_ptr<const KestrelWritePolicy> policy, Logger logger);
 
   /// Replaces the file's content; a symbolic link is followed, and its target replaced.
-  [[nodiscard]] bool write(const std::filesystem::path& path, std::string_view content) const;
+  [[nodiscard]] bool write(const std::filesystem::path& path, std::string_view content,
+                           Durability durability = Durability::machine) const;
   /// Creates an empty file unless there is one.
   [[nodiscard]] bool createIfMissing(const std::filesystem::path& path) const;
   /// Renames within a folder, replacing what stands at the new name.
@@ -71,7 +76,7 @@ class AtomicFileWriter {
 
  private:
   [[nodiscard]] FileFailure replaceAllowed(const std::filesystem::path& path, const ContentProducer& produce,
-                                           const std::string& keptSuffix) const;
+                                           const std::string& keptSuffix, Durability durability) const;
   /// The refusal of the write policy, if it refuses.
   [[nodiscard]] FileFailure refusal(const std::filesystem::path& path) const;
 

@@ -1,14 +1,16 @@
 #include "KestrelCore/Usage/UsageMetrics.h"
 
-#include "KestrelCore/Support/CheckedArithmetic.h"
 #include "KestrelCore/Support/Json.h"
 
 namespace kestrel {
 
 std::optional<std::int64_t> UsageMetrics::effectiveTotalTokens() const {
   if (totalTokens) return totalTokens;
-  const auto sum =
-      checkedAdd(checkedAdd(inputTokens.value_or(0), outputTokens.value_or(0)), reasoningTokens.value_or(0));
+  std::int64_t sum = inputTokens.value_or(0);
+  if (__builtin_add_overflow(sum, outputTokens.value_or(0), &sum) ||
+      __builtin_add_overflow(sum, reasoningTokens.value_or(0), &sum)) {
+    return std::nullopt;
+  }
   return sum < 1 ? std::nullopt : std::optional(sum);
 }
 

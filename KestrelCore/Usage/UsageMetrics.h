@@ -21,8 +21,8 @@ struct UsageMetrics {
   std::optional<double> sessionCostEstimateUSD;
   Date recordedAt;
 
-  /// The reported total, else input + output + reasoning; absent when that sum is below 1. Cached and
-  /// cache-write tokens are never part of it.
+  /// The reported total, else input + output + reasoning; absent when that sum is below 1 or does not
+  /// fit. Cached and cache-write tokens are never part of it.
   [[nodiscard]] std::optional<std::int64_t> effectiveTotalTokens() const;
 
   friend bool operator==(const UsageMetrics&, const UsageMetrics&) = default;

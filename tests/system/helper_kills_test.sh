@@ -6,8 +6,9 @@ services_enter "$0" "$@"
 . "$(dirname "${BASH_SOURCE[0]}")/helper.sh"
 services_start_system_bus
 services_start_login_manager
-RANDOM=${1:-$$}
-echo "   seed ${1:-$$}"
+seed=${1:-$EPOCHSECONDS}
+RANDOM=$seed
+echo "   seed $seed"
 seen=0
 
 is_running() { kill -0 "${SERVICES_PID[$1]:-none}" 2>/dev/null; }
