@@ -10,6 +10,7 @@
 #include "KestrelCore/Control/StatusReport.h"
 #include "KestrelCore/Support/RepeatLimitingLogSink.h"
 #include "KestrelCore/Support/UnixSocket.h"
+#include "KestrelCore/UsageCoordinator.h"
 
 namespace kestrel {
 namespace {
@@ -70,8 +71,9 @@ int HeadlessApplication::runAsOnlyInstance() {
   Executor& executor = loop_->executor();
   Platform platform = makePlatform({executor, logSink_, clock_, files_, directories_});
   SettingsStore settings(*platform.userDefaults, clock_);
-  const auto coordinator =
-      AppCoordinator::create({platform, executor, settings, clock_, logSink_, writePolicy_, directories_});
+  UsageCoordinator usage(usersOwnUsage(executor, directories_, files_, clock_, logSink_));
+  const auto coordinator = AppCoordinator::create(
+      {platform, executor, settings, clock_, logSink_, writePolicy_, directories_, usage});
   ControlService service(*coordinator, [] { return false; });
   ControlServer server(executor, directories_.controlSocket(), platform.peerIdentity, writePolicy_, logSink_,
                        service);

@@ -6,6 +6,7 @@
 
 #include "KestrelControl/HelperCommand.h"
 #include "KestrelControl/StatusText.h"
+#include "KestrelControl/UsageCommand.h"
 #include "KestrelCore/Platform/Directories.h"
 #include "KestrelCore/Support/Clock.h"
 #include "KestrelCore/Support/Json.h"
@@ -47,6 +48,18 @@ std::string resultText(const ControlRequest& request, const Json& result) {
   return lists ? settingsText(result) : changeText(result);
 }
 
+/// Null when Kestrel does not run, or has no answer.
+Json answerOfKestrel(const Directories& directories, const std::string& command) {
+  const SocketExchange exchanged = exchange(directories, {command, {}});
+  if (exchanged.outcome != SocketExchange::Outcome::replied) return nullptr;
+  try {
+    const ControlReply reply = decodeControlReply(exchanged.reply);
+    return reply.ok() ? *reply.result : Json(nullptr);
+  } catch (const DecodingError&) {
+    return nullptr;
+  }
+}
+
 int print(const std::string& text) {
   const bool written = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
   return written ? kControlDone : complain("kestrelctl: the output cannot be written", kControlFailed);
@@ -58,6 +71,10 @@ int runControl(const ControlOptions& options, const std::string& ownPath) {
   const auto directories = userDirectories();
   if (!directories) return complain("kestrelctl: HOME names no home directory", kControlFailed);
   if (options.helper) return runHelperCommand(*options.helper, *directories, ownPath);
+  if (options.usage) {
+    return runUsageCommand(*options.usage, *directories,
+                           [&] { return answerOfKestrel(*directories, "usage"); });
+  }
   const SocketExchange exchanged = exchange(*directories, options.request);
   if (exchanged.outcome == SocketExchange::Outcome::nobodyListens) {
     return complain("Kestrel is not running.", kControlNotRunning);

@@ -36,6 +36,7 @@ class Grammar {
     command(app_, "sessions", "The agents' sessions");
     command(app_, "doctor", "What works on this machine, what does not, and what to do about it");
     addSettings();
+    addUsage();
     addHelper();
   }
 
@@ -69,6 +70,16 @@ class Grammar {
     word(set, "VALUE", "true or false, a number, or a date or none");
   }
 
+  void addUsage() {
+    auto* usage = app_.add_subcommand("usage", "What the agents used: tokens and their price");
+    usage->add_option("PART", usage_.what, "today, days or sessions")
+        ->check(CLI::IsMember({"today", "days", "sessions"}))
+        ->default_val("today");
+    usage->add_option("--limit", usage_.limit, "At most so many days or sessions");
+    usage->add_flag("--json", usage_.json, "Print the result as JSON");
+    usage->final_callback([this] { options_.usage = usage_; });
+  }
+
   void addHelper() {
     auto* helper =
         app_.add_subcommand("helper", "The helper that keeps the machine awake with its lid closed");
@@ -89,6 +100,7 @@ class Grammar {
 
   ControlOptions& options_;
   HelperOptions helper_;
+  UsageOptions usage_;
   std::vector<std::string> words_;
   CLI::App app_{"Asks a running Kestrel what it does, and tells it what to do.", "kestrelctl"};
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -21,11 +22,21 @@ struct HelperOptions {
   bool json = false;
 };
 
+/// Which part of the account of usage is wanted.
+struct UsageOptions {
+  /// today, days or sessions.
+  std::string what;
+  std::optional<std::size_t> limit;
+  bool json = false;
+};
+
 /// What the words on the command line ask for.
 struct ControlOptions {
   ControlRequest request;
   /// Present when not Kestrel is asked but its helper.
   std::optional<HelperOptions> helper;
+  /// Present for the account of usage.
+  std::optional<UsageOptions> usage;
   /// Print the result as JSON.
   bool json = false;
   /// Present when nothing is to be asked: help or the version was printed, or what is wrong with the words.

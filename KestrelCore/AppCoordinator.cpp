@@ -7,6 +7,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "KestrelCore/UsageCoordinator.h"
+
 namespace kestrel {
 namespace {
 
@@ -56,6 +58,7 @@ AppCoordinator::AppCoordinator(const Context& context)
     : platform_(context.platform),
       mainExecutor_(context.mainExecutor),
       settings_(context.settings),
+      usage_(context.usage),
       directories_(context.directories),
       clock_(context.clock),
       logger_(context.logSink, "coordinator"),
@@ -86,6 +89,8 @@ void AppCoordinator::setupSubscriptions() {
   deepHold_->setOnChange(evaluationRequest());
   hookReceiver_->setDelegate(agentCoordinator_);
   agentCoordinator_->setDelegate(requests_);
+  agentCoordinator_->setUsageHandler(
+      [&usage = usage_](const HookEvent& event) { usage.handleHookEvent(event); });
   processMonitor_->setOnProcessesUpdated([this, weak = weak_from_this()](std::vector<ProcessMatch> matches) {
     mainExecutor_.post([weak, matches = std::move(matches)] {
       const auto coordinator = weak.lock();
@@ -97,6 +102,8 @@ void AppCoordinator::setupSubscriptions() {
   lidMonitor_->setOnLidStateChanged([request = evaluationRequest()](auto) { request(); });
   platform_.powerAssertions->setOnEvidenceChanged(evaluationRequest());
   subscriptions_.push_back(settings_.observe(evaluationRequest()));
+  subscriptions_.push_back(
+      usage_.latestBudgetReports().subscribe([request = evaluationRequest()](const auto&) { request(); }));
 }
 
 std::function<void()> AppCoordinator::evaluationRequest() {
@@ -122,6 +129,7 @@ void AppCoordinator::start() {
   evalTimer_ = mainExecutor_.repeat(kTickSeconds, kTickSeconds, [weak = weak_from_this()] {
     if (const auto coordinator = weak.lock()) coordinator->tick();
   });
+  usage_.start();
   evaluate();
 }
 
@@ -136,6 +144,7 @@ void AppCoordinator::startHookReceiver() {
 void AppCoordinator::stop(std::function<void()> onReleased) {
   isStopped_ = true;
   evalTimer_.reset();
+  usage_.stop();
   hookReceiver_->stop();
   batteryMonitor_->stop();
   thermalMonitor_->stop();

@@ -26,6 +26,7 @@
 namespace kestrel {
 
 class KestrelWritePolicy;
+class UsageCoordinator;
 
 /// The spine: owns every collaborator, gathers their state once a second and at every change, asks the
 /// policy, applies its decision, and publishes what the surfaces show. Main thread.
@@ -40,6 +41,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
     std::shared_ptr<LogSink> logSink;
     std::shared_ptr<const KestrelWritePolicy> writePolicy;
     Directories directories;
+    UsageCoordinator& usage;
   };
 
   using SessionList = std::vector<AgentSessionPtr>;
@@ -82,6 +84,8 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   [[nodiscard]] RegistrationPtr observeEvaluations(std::function<void()> onEvaluated);
 
   [[nodiscard]] SettingsStore& settings() { return settings_; }
+  [[nodiscard]] UsageCoordinator& usage() { return usage_; }
+  [[nodiscard]] const Clock& clock() const { return *clock_; }
   [[nodiscard]] const BatteryMonitoring& batteryMonitor() const { return *batteryMonitor_; }
   [[nodiscard]] const ThermalMonitoring& thermalMonitor() const { return *thermalMonitor_; }
   [[nodiscard]] const LidMonitoring& lidMonitor() const { return *lidMonitor_; }
@@ -107,6 +111,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   Executor& mainExecutor_;
   std::shared_ptr<EvaluationRequests> requests_;
   SettingsStore& settings_;
+  UsageCoordinator& usage_;
   const Directories directories_;
   const std::shared_ptr<const Clock> clock_;
   const Logger logger_;

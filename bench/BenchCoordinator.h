@@ -5,6 +5,7 @@
 
 #include "KestrelCore/AppCoordinator.h"
 #include "KestrelCore/Power/KestrelWritePolicy.h"
+#include "KestrelCore/UsageCoordinator.h"
 #include "KestrelPlatform/Simulated/SimulatedPlatform.h"
 #include "KestrelPlatform/Simulated/TemporaryDirectories.h"
 
@@ -21,9 +22,10 @@ class NoLog final : public LogSink {
 struct BenchCoordinator {
   explicit BenchCoordinator(Executor& executor)
       : settings(*outside.platform.userDefaults, clock),
-        coordinator(AppCoordinator::create({outside.platform, executor, settings, clock, log,
-                                            std::make_shared<KestrelWritePolicy>(home.directories(), log),
-                                            home.directories()})) {}
+        usage(usersOwnUsage(executor, home.directories(),
+                            std::make_shared<AtomicFileWriter>(policy, Logger(log, "files")), clock, log)),
+        coordinator(AppCoordinator::create(
+            {outside.platform, executor, settings, clock, log, policy, home.directories(), usage})) {}
 
   /// A hook event of a session.
   void report(const std::string& session, AgentState state) {
@@ -39,8 +41,11 @@ struct BenchCoordinator {
   TemporaryDirectories home;
   std::shared_ptr<LogSink> log = std::make_shared<NoLog>();
   std::shared_ptr<const Clock> clock = std::make_shared<SystemClock>();
+  std::shared_ptr<const KestrelWritePolicy> policy =
+      std::make_shared<KestrelWritePolicy>(home.directories(), log);
   SimulatedPlatform outside = simulatedPlatform();
   SettingsStore settings;
+  UsageCoordinator usage;
   std::shared_ptr<AppCoordinator> coordinator;
 };
 

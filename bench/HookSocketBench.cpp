@@ -43,9 +43,9 @@ void hookSocket(benchmark::State& state) {
   SerialQueue mainQueue("main");
   BenchCoordinator bench(mainQueue);
   bench.outside.platform.peerIdentity = makePeerIdentity();
-  bench.coordinator = AppCoordinator::create(
-      {bench.outside.platform, mainQueue, bench.settings, bench.clock, bench.log,
-       std::make_shared<KestrelWritePolicy>(bench.home.directories(), bench.log), bench.home.directories()});
+  bench.coordinator =
+      AppCoordinator::create({bench.outside.platform, mainQueue, bench.settings, bench.clock, bench.log,
+                              bench.policy, bench.home.directories(), bench.usage});
   mainQueue.post([&] { bench.coordinator->start(); });
   const std::string path = bench.home.directories().hookSocket();
   while (::access(path.c_str(), F_OK) != 0) ::usleep(1'000);

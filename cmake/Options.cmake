@@ -7,6 +7,7 @@ find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
 # Debian's library also links with libc++: no standard type is part of what is called in it.
 find_package(simdjson REQUIRED)
+find_package(SQLite3 REQUIRED)
 
 # What every target of the project is compiled with.
 add_library(KestrelOptions INTERFACE)

@@ -57,6 +57,10 @@ void AgentStateCoordinator::setDelegate(std::weak_ptr<AgentStateCoordinatorDeleg
   delegate_ = std::move(delegate);
 }
 
+void AgentStateCoordinator::setUsageHandler(std::function<void(const HookEvent&)> handler) {
+  usageHandler_ = std::move(handler);
+}
+
 std::shared_ptr<const SessionTable> AgentStateCoordinator::sessions() const {
   const LockGuard guard(lock_);
   if (!snapshot_) snapshot_ = std::make_shared<const SessionTable>(sessions_);
@@ -105,6 +109,9 @@ void AgentStateCoordinator::didReceiveHookEvent(const HookEvent& event) {
 
   logger_.info("Updated session {}: agent={} state={}", event.sessionId, rawValue(event.agent),
                rawValue(event.state));
+  HookEvent applied = event;
+  applied.timestamp = timestamp;
+  usageHandler_(applied);
   notify(lastStoppedAt);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -42,6 +43,8 @@ class AgentStateCoordinator final : public HookEventReceiverDelegate {
 
   /// Set before the first change.
   void setDelegate(std::weak_ptr<AgentStateCoordinatorDelegate> delegate);
+  /// Gets every hook event as it was applied, without any lock held. Set before the first change.
+  void setUsageHandler(std::function<void(const HookEvent&)> handler);
 
   /// A snapshot, never null; the same one until the table changes.
   [[nodiscard]] std::shared_ptr<const SessionTable> sessions() const;
@@ -87,6 +90,7 @@ class AgentStateCoordinator final : public HookEventReceiverDelegate {
   const std::shared_ptr<const Clock> clock_;
   const Logger logger_;
   std::weak_ptr<AgentStateCoordinatorDelegate> delegate_;
+  std::function<void(const HookEvent&)> usageHandler_ = [](const HookEvent&) {};
 
   mutable Mutex lock_;
   SessionTable sessions_ KESTREL_GUARDED_BY(lock_);

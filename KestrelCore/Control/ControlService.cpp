@@ -6,6 +6,7 @@
 #include "KestrelCore/Control/Duration.h"
 #include "KestrelCore/Control/SettingsCatalog.h"
 #include "KestrelCore/Control/StatusReport.h"
+#include "KestrelCore/Control/UsageReport.h"
 #include "KestrelCore/Diagnostics/Doctor.h"
 #include "KestrelCore/Diagnostics/DoctorFindings.h"
 #include "KestrelCore/Support/Json.h"
@@ -22,7 +23,7 @@ ControlReply ControlService::perform(const ControlRequest& request) {
     std::size_t maximumArguments;
     ControlReply (ControlService::*action)(const Arguments&);
   };
-  static constexpr std::array<Command, 10> kCommands{{
+  static constexpr std::array<Command, 11> kCommands{{
       {"status", 0, 0, &ControlService::status},
       {"sessions", 0, 0, &ControlService::sessions},
       {"pause", 1, 1, &ControlService::pause},
@@ -31,6 +32,7 @@ ControlReply ControlService::perform(const ControlRequest& request) {
       {"enable", 0, 0, &ControlService::enable},
       {"disable", 0, 0, &ControlService::disable},
       {"settings", 1, 3, &ControlService::settings},
+      {"usage", 0, 0, &ControlService::usage},
       {"doctor", 0, 0, &ControlService::doctor},
       {"show", 0, 0, &ControlService::show},
   }};
@@ -51,6 +53,10 @@ ControlReply ControlService::status(const Arguments&) {
 
 ControlReply ControlService::sessions(const Arguments&) {
   return ControlReply::success({{"sessions", sessionsReport(coordinator_)}});
+}
+
+ControlReply ControlService::usage(const Arguments&) {
+  return ControlReply::success(usageReport(coordinator_.usage(), coordinator_.clock().now()));
 }
 
 ControlReply ControlService::pause(const Arguments& arguments) {

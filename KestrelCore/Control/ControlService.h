@@ -23,6 +23,7 @@ class ControlService {
   using Arguments = std::vector<std::string>;
   ControlReply status(const Arguments& arguments);
   ControlReply sessions(const Arguments& arguments);
+  ControlReply usage(const Arguments& arguments);
   ControlReply pause(const Arguments& arguments);
   ControlReply resume(const Arguments& arguments);
   ControlReply hold(const Arguments& arguments);

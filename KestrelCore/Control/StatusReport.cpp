@@ -5,6 +5,7 @@
 #include <string>
 
 #include "KestrelCore/Control/SettingsCatalog.h"
+#include "KestrelCore/Control/UsageReport.h"
 #include "KestrelCore/Support/Json.h"
 
 namespace kestrel {
@@ -64,7 +65,7 @@ Json statusReport(AppCoordinator& coordinator) {
           {"lidClosed", orNull(coordinator.lidMonitor().reading())},
           {"lidSource", orNull(coordinator.lidMonitor().sourceName())},
           {"helper", helper ? readableHelperStatus(*helper) : Json(nullptr)},
-          {"usage", nullptr},
+          {"usage", usageReport(coordinator.usage(), coordinator.clock().now())},
           {"settings", settingsReport(coordinator.settings())},
           {"pausedUntil", isoOrNull(coordinator.settings().pauseUntil())}};
 }

@@ -7,6 +7,7 @@
 #include "tests/core/TestSupport.h"
 
 #include "KestrelCore/AppCoordinator.h"
+#include "KestrelCore/UsageCoordinator.h"
 #include "KestrelPlatform/Simulated/ManualExecutor.h"
 #include "KestrelPlatform/Simulated/SimulatedPlatform.h"
 
@@ -47,9 +48,13 @@ class AppCoordinatorFixture : public testing::Test {
   ManualExecutor executor_{world_.clock};
   SimulatedPlatform machine_ = simulatedPlatform();
   SettingsStore settings_{*machine_.userDefaults, world_.clock};
+  UsageCoordinator usage_{
+      usersOwnUsage(executor_, world_.directories(),
+                    std::make_shared<AtomicFileWriter>(world_.policy, Logger(world_.sink, "files")),
+                    world_.clock, world_.sink)};
   const std::shared_ptr<AppCoordinator> app_ =
       AppCoordinator::create({machine_.platform, executor_, settings_, world_.clock, world_.sink,
-                              world_.policy, world_.directories()});
+                              world_.policy, world_.directories(), usage_});
 };
 
 }  // namespace kestrel

@@ -184,8 +184,9 @@ TEST(AppCoordinatorEnd, IsOnTheMainThreadAlsoWhileAHookIsBeingApplied) {
   SettingsStore settings(*machine.userDefaults, world.clock);
   std::atomic<int> posting = 0;
   std::atomic<bool> mayGoOn = false;
-  auto app = AppCoordinator::create(
-      {machine.platform, executor, settings, world.clock, world.sink, world.policy, world.directories()});
+  UsageCoordinator usage(usersOwnUsage(executor, world.directories(), nullptr, world.clock, world.sink));
+  auto app = AppCoordinator::create({machine.platform, executor, settings, world.clock, world.sink,
+                                     world.policy, world.directories(), usage});
   executor.onPost = [&] {
     ++posting;
     while (!mayGoOn) std::this_thread::yield();
@@ -193,8 +194,8 @@ TEST(AppCoordinatorEnd, IsOnTheMainThreadAlsoWhileAHookIsBeingApplied) {
   app->start();
   const SocketClient client(world.directories().hookSocket());
   client.send(R"({"agent":"claude","state":"working"})");
-  // The hook, the first scan of the processes and the helper's first status.
-  while (posting < 3) std::this_thread::yield();
+  // The hook, the first scan of the processes, the helper's first status and the first sums.
+  while (posting < 4) std::this_thread::yield();
 
   // Whoever drops the last reference ends the coordinator and waits for those threads, which therefore may go
   // on as soon as this thread has dropped its own.
