@@ -162,8 +162,8 @@ void UsageCoordinator::onMain(std::function<void()> task) {
 
 UsageCoordinator::Dependencies usersOwnUsage(Executor& mainExecutor, const Directories& directories,
                                              std::shared_ptr<const AtomicFileWriter> files,
-                                             std::shared_ptr<const Clock> clock,
-                                             std::shared_ptr<LogSink> logSink) {
+                                             const std::shared_ptr<const Clock>& clock,
+                                             const std::shared_ptr<LogSink>& logSink) {
   return {mainExecutor, clock, logSink,
           [file = UsageStore::defaultFile(directories), files = std::move(files), clock, logSink] {
             return std::make_unique<UsageStore>(UsageStore::Dependencies{

@@ -112,7 +112,7 @@ class UsageCoordinator final {
 /// This user's store, and the readers of Claude Code's, Codex's and OpenCode's records.
 UsageCoordinator::Dependencies usersOwnUsage(Executor& mainExecutor, const Directories& directories,
                                              std::shared_ptr<const AtomicFileWriter> files,
-                                             std::shared_ptr<const Clock> clock,
-                                             std::shared_ptr<LogSink> logSink);
+                                             const std::shared_ptr<const Clock>& clock,
+                                             const std::shared_ptr<LogSink>& logSink);
 
 }  // namespace kestrel

@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <thread>
 
+#include "KestrelCore/Support/Mutex.h"
 #include "KestrelCore/Support/UniqueDescriptor.h"
 
 extern char** environ;
@@ -51,6 +52,12 @@ class Child {
  private:
   pid_t pid_;
 };
+
+/// Between the making of a pipe and its closing in children, no other child may be started.
+Mutex& startingMutex() {
+  static Mutex mutex(LockRank::leaf);
+  return mutex;
+}
 
 std::optional<pid_t> spawn(const std::vector<std::string>& arguments, int outputDescriptor) {
   std::vector<char*> words;
@@ -96,6 +103,7 @@ std::optional<ChildProcessResult> runChildProcess(const std::vector<std::string>
   const auto timeout = std::chrono::duration<double>(limits.timeoutSeconds);
   const auto deadline = MonotonicClock::now() + std::chrono::duration_cast<MonotonicClock::duration>(timeout);
   std::array<int, 2> ends{};
+  LockGuard starting(startingMutex());
   if (::pipe(ends.data()) != 0) return std::nullopt;
   const UniqueDescriptor output(ends[0]);
   UniqueDescriptor input(ends[1]);
@@ -103,6 +111,7 @@ std::optional<ChildProcessResult> runChildProcess(const std::vector<std::string>
 
   const auto pid = spawn(arguments, input.get());
   input.reset();
+  starting.unlock();
   if (!pid) return std::nullopt;
   Child child(*pid);
   ChildProcessResult result;

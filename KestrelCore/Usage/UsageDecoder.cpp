@@ -22,9 +22,9 @@ static_assert(UsageDecoder::kPadding >= simdjson::SIMDJSON_PADDING);
 }
 
 template <typename Value, typename Result>
-Value require(Result&& result) {
+Value require(Result result) {
   Value value{};
-  if (std::forward<Result>(result).get(value) != simdjson::SUCCESS) fail();
+  if (static_cast<Result&&>(result).get(value) != simdjson::SUCCESS) fail();
   return value;
 }
 
@@ -123,7 +123,7 @@ void check(ondemand::value value, std::size_t depth = 1) {
       break;
     case ondemand::json_type::array:
       for (auto element : require<ondemand::array>(value.get_array())) {
-        check(require<ondemand::value>(std::move(element)), depth + 1);
+        check(require<ondemand::value>(element), depth + 1);
       }
       break;
     case ondemand::json_type::string:
@@ -331,7 +331,7 @@ void UsageDecoder::sessions(std::string_view text,
 
 void UsageDecoder::strings(std::string_view text, const std::function<void(std::string_view)>& take) {
   for (auto element : require<ondemand::array>(state_->parse(text).get_array())) {
-    auto value = require<ondemand::value>(std::move(element));
+    auto value = require<ondemand::value>(element);
     take(kestrel::text(value));
   }
   state_->finish();
