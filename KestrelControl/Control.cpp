@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "KestrelControl/AgentsCommand.h"
 #include "KestrelControl/HelperCommand.h"
 #include "KestrelControl/StatusText.h"
 #include "KestrelControl/UsageCommand.h"
@@ -39,11 +40,17 @@ SocketExchange exchange(const Directories& directories, const ControlRequest& re
   return result;
 }
 
+std::string indented(const Json& result) {
+  return result.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
 std::string resultText(const ControlRequest& request, const Json& result) {
   const Date now = SystemClock().now();
   if (request.command == "status") return statusText(result, now);
   if (request.command == "sessions") return sessionsText(result, now);
   if (request.command == "doctor") return doctorText(result);
+  if (request.command == "why") return whyText(result);
+  if (request.command == "diagnostics") return indented(result);
   const bool lists = request.command == "settings" && request.arguments.front() == "list";
   return lists ? settingsText(result) : changeText(result);
 }
@@ -75,6 +82,11 @@ int runControl(const ControlOptions& options, const std::string& ownPath) {
     return runUsageCommand(*options.usage, *directories,
                            [&] { return answerOfKestrel(*directories, "usage"); });
   }
+  if (options.agents) {
+    return runAgentsCommand(*options.agents, *directories,
+                            [&] { return answerOfKestrel(*directories, "sessions"); });
+  }
+  if (options.setup) return runSetupCommand(*options.setup, *directories, ownPath);
   const SocketExchange exchanged = exchange(*directories, options.request);
   if (exchanged.outcome == SocketExchange::Outcome::nobodyListens) {
     return complain("Kestrel is not running.", kControlNotRunning);
@@ -86,8 +98,7 @@ int runControl(const ControlOptions& options, const std::string& ownPath) {
   try {
     const ControlReply reply = decodeControlReply(exchanged.reply);
     if (!reply.ok()) return complain("kestrelctl: " + printable(reply.error), kControlFailed);
-    return print(options.json ? reply.result->dump(2, ' ', false, Json::error_handler_t::replace) + "\n"
-                              : resultText(options.request, *reply.result));
+    return print(options.json ? indented(*reply.result) : resultText(options.request, *reply.result));
   } catch (const DecodingError& error) {
     return complain("kestrelctl: Kestrel's answer cannot be read: " + std::string(error.what()),
                     kControlFailed);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "KestrelCore/Agents/AgentType.h"
 #include "KestrelCore/Control/Duration.h"
 #include "KestrelCore/Control/StatusReport.h"
 
@@ -16,6 +17,14 @@ constexpr const char* kFooter =
 
 std::string durationProblem(const std::string& word) {
   return parseDuration(word) ? "" : "'" + word + "' is no duration; use 90s, 30m or 1h30m";
+}
+
+std::vector<std::string> agentsWithSetup() {
+  std::vector<std::string> names;
+  for (const auto agent : allCases<AgentType>()) {
+    if (agent != AgentType::custom) names.emplace_back(rawValue(agent));
+  }
+  return names;
 }
 
 /// The commands of kestrelctl; each, when it was given, fills the options.
@@ -35,8 +44,11 @@ class Grammar {
     command(app_, "disable", "Switch protection off");
     command(app_, "sessions", "The agents' sessions");
     command(app_, "doctor", "What works on this machine, what does not, and what to do about it");
+    command(app_, "why", "Who keeps this machine awake: Kestrel, or another");
+    command(app_, "diagnostics", "A report for people who help, without anything private");
     addSettings();
     addUsage();
+    addAgents();
     addHelper();
   }
 
@@ -80,6 +92,19 @@ class Grammar {
     usage->final_callback([this] { options_.usage = usage_; });
   }
 
+  void addAgents() {
+    auto* agents = app_.add_subcommand("agents", "The agents on this machine, and which report to Kestrel");
+    agents->add_flag("--json", agents_.json, "Print the result as JSON");
+    agents->final_callback([this] { options_.agents = agents_; });
+    auto* setup = app_.add_subcommand("setup", "How to let an agent report to Kestrel");
+    setup->add_option("AGENT", setup_.agent, "Which agent")
+        ->required()
+        ->check(CLI::IsMember(agentsWithSetup()));
+    setup->add_flag("--classic", setup_.classic, "The set-up for older versions of the agent");
+    setup->add_flag("--json", setup_.json, "Print the result as JSON");
+    setup->final_callback([this] { options_.setup = setup_; });
+  }
+
   void addHelper() {
     auto* helper =
         app_.add_subcommand("helper", "The helper that keeps the machine awake with its lid closed");
@@ -101,6 +126,8 @@ class Grammar {
   ControlOptions& options_;
   HelperOptions helper_;
   UsageOptions usage_;
+  AgentsOptions agents_;
+  SetupOptions setup_;
   std::vector<std::string> words_;
   CLI::App app_{"Asks a running Kestrel what it does, and tells it what to do.", "kestrelctl"};
 };

@@ -30,6 +30,20 @@ struct UsageOptions {
   bool json = false;
 };
 
+/// Which agents are on this machine.
+struct AgentsOptions {
+  bool json = false;
+};
+
+/// How an agent is made to report.
+struct SetupOptions {
+  /// The agent's raw value.
+  std::string agent;
+  /// The older set-up.
+  bool classic = false;
+  bool json = false;
+};
+
 /// What the words on the command line ask for.
 struct ControlOptions {
   ControlRequest request;
@@ -37,6 +51,10 @@ struct ControlOptions {
   std::optional<HelperOptions> helper;
   /// Present for the account of usage.
   std::optional<UsageOptions> usage;
+  /// Present when the agents themselves are looked at.
+  std::optional<AgentsOptions> agents;
+  /// Present when an agent is to be set up.
+  std::optional<SetupOptions> setup;
   /// Print the result as JSON.
   bool json = false;
   /// Present when nothing is to be asked: help or the version was printed, or what is wrong with the words.

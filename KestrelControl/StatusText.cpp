@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <fmt/format.h>
 #include <optional>
+#include <sstream>
 
 #include "KestrelCore/Agents/AgentState.h"
 #include "KestrelCore/Agents/AgentType.h"
@@ -152,6 +153,18 @@ std::string statusText(const Json& report, Date now) {
   const auto paused = dateIn(report, "pausedUntil");
   if (paused && *paused > now) text += row("Paused:", "for another " + formatDuration(*paused - now));
   return text;
+}
+
+std::string whyText(const Json& report) {
+  const auto hold = decodeHold(member(report, "hold"));
+  const bool holds = hold && hold->state != HoldState::none;
+  std::string text = holds ? "Kestrel asks for it: " : "Kestrel does not: ";
+  text += textIn(report, "statusDescription") + (holds ? " (" + describeHold(*hold) + ")" : "") + "\n";
+  std::istringstream lines(optionalString(report, "systemAssertionsSummary").value_or(""));
+  std::string list;
+  for (std::string line; std::getline(lines, line);) list += "  " + printable(line) + "\n";
+  return text +
+         (list.empty() ? "The system does not tell who else does.\n" : "What the system knows of:\n" + list);
 }
 
 std::string helperText(const Json& helper, Date now) {

@@ -23,6 +23,9 @@ std::string settingsText(const Json& settings);
 /// The answer to `doctor`: a line for each capability, and under it what to do.
 std::string doctorText(const Json& report);
 
+/// The answer to `why`: Kestrel's own hold, then everything that the system knows of.
+std::string whyText(const Json& report);
+
 /// The privileged helper's part of a status.
 std::string helperText(const Json& helper, Date now);
 

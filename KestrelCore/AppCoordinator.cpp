@@ -79,6 +79,13 @@ AppCoordinator::AppCoordinator(const Context& context)
       processMonitor_(std::make_unique<ProcessMonitor>(
           *context.platform.processes, *context.platform.applications,
           AgentFootprints(context.directories.home), ::getpid(), context.clock)),
+      notifications_(*context.platform.notifications, *context.platform.chime, context.settings,
+                     context.logSink),
+      shortcutController_(*context.platform.keyMonitor, context.logSink),
+      launchAtLogin_(*context.platform.loginItem, context.logSink),
+      diagnostics_({context.platform.osVersion, context.platform.assertionSummaryCommand,
+                    context.directories.home.string()},
+                   context.clock),
       currentDecision_(initialDecision()),
       previousDecision_(initialDecision()) {}
 
@@ -102,8 +109,15 @@ void AppCoordinator::setupSubscriptions() {
   lidMonitor_->setOnLidStateChanged([request = evaluationRequest()](auto) { request(); });
   platform_.powerAssertions->setOnEvidenceChanged(evaluationRequest());
   subscriptions_.push_back(settings_.observe(evaluationRequest()));
-  subscriptions_.push_back(
-      usage_.latestBudgetReports().subscribe([request = evaluationRequest()](const auto&) { request(); }));
+  subscriptions_.push_back(usage_.latestBudgetReports().subscribe([weak = weak_from_this()](const auto&) {
+    const auto coordinator = weak.lock();
+    if (!coordinator) return;
+    coordinator->familiesAreOld_ = true;
+    coordinator->requestEvaluation();
+  }));
+  shortcutController_.setOnToggleRequested([weak = weak_from_this()] {
+    if (const auto coordinator = weak.lock()) coordinator->toggleMasterSwitch();
+  });
 }
 
 std::function<void()> AppCoordinator::evaluationRequest() {
@@ -113,6 +127,7 @@ std::function<void()> AppCoordinator::evaluationRequest() {
 void AppCoordinator::start() {
   logger_.info("Starting Kestrel AppCoordinator...");
   isStopped_ = false;
+  notifications_.requestAuthorization();
   batteryMonitor_->start();
   thermalMonitor_->start();
   lidMonitor_->start();
@@ -125,6 +140,7 @@ void AppCoordinator::start() {
   }));
   processMonitor_->start(kScanSeconds);
   startHookReceiver();
+  shortcutController_.start();
   deepHold_->tick(clock_->now());
   evalTimer_ = mainExecutor_.repeat(kTickSeconds, kTickSeconds, [weak = weak_from_this()] {
     if (const auto coordinator = weak.lock()) coordinator->tick();
@@ -149,6 +165,7 @@ void AppCoordinator::stop(std::function<void()> onReleased) {
   batteryMonitor_->stop();
   thermalMonitor_->stop();
   processMonitor_->stop();
+  shortcutController_.stop();
   idleAssertionController_->release();
   deepHold_->release(std::move(onReleased));
 }
@@ -188,6 +205,7 @@ void AppCoordinator::evaluate() {
   const WakeDecision decision = policyEngine_.evaluate(context);
   rememberBatteryBlock(decision, context);
   publishSessions(context.sessions);
+  publishFamilies();
   currentDecision_.set(decision);
   handleDecisionTransition(previousDecision_, decision);
   previousDecision_ = decision;
@@ -209,6 +227,7 @@ void AppCoordinator::rememberBatteryBlock(const WakeDecision& decision,
 void AppCoordinator::publishSessions(const std::shared_ptr<const SessionTable>& sessions) {
   if (sessions == publishedTable_) return;
   publishedTable_ = sessions;
+  familiesAreOld_ = true;
   SessionList list;
   list.reserve(sessions->size());
   for (const auto& [id, session] : *sessions) list.push_back(session);
@@ -216,21 +235,56 @@ void AppCoordinator::publishSessions(const std::shared_ptr<const SessionTable>& 
   activeSessionsList_.set(std::move(list));
 }
 
+void AppCoordinator::publishFamilies() {
+  if (!std::exchange(familiesAreOld_, false)) return;
+  agentFamilies_.set(
+      AgentFamilyPresentation::buildFamilies(activeSessionsList_.get(), usage_.latestBudgetReports().get()));
+}
+
+void AppCoordinator::toggleMasterSwitch() {
+  settings_.setMasterEnabled(!settings_.masterEnabled());
+  evaluate();
+}
+
 void AppCoordinator::handleDecisionTransition(const WakeDecision& from, const WakeDecision& to) {
   if (const auto* hold = to.asHold()) {
     if (!from.isHolding()) protectionStartedAt_.set(clock_->now());
     idleAssertionController_->acquire(hold->reason, settings_.preventDisplaySleep());
+    if (!from.isHolding()) notifications_.notifyProtectionStarted(hold->activeAgentCount);
   } else if (from.isHolding()) {
     protectionStartedAt_.set(std::nullopt);
     idleAssertionController_->release();
+    notifyOfTheEnd(to);
   }
   deepHold_->follow(to.asHold() != nullptr && to.asHold()->requiresDeepHold);
+}
+
+void AppCoordinator::notifyOfTheEnd(const WakeDecision& decision) {
+  const auto* blocked = decision.asBlocked();
+  const auto percent = batteryMonitor_->currentSnapshot().batteryPercent;
+  if (blocked == nullptr) {
+    notifications_.notifyProtectionFinished();
+  } else if (blocked->block == SafetyBlock::thermalCritical) {
+    notifications_.notifyThermalCutoff();
+  } else if (blocked->block == SafetyBlock::batteryBelowFloor && percent) {
+    notifications_.notifyBatteryCutoff(*percent);
+  }
 }
 
 std::vector<HoldEvidence> AppCoordinator::holdEvidence() {
   auto evidence = idleAssertionController_->evidence();
   std::ranges::move(deepHold_->evidence(), std::back_inserter(evidence));
   return evidence;
+}
+
+DiagnosticsReport AppCoordinator::diagnosticsReport() const {
+  return diagnostics_.generateReport(currentDecision_.get(), batteryMonitor_->currentSnapshot(),
+                                     thermalMonitor_->currentThermalState(), activeSessionsList_.get(),
+                                     helperStatus().get());
+}
+
+std::string AppCoordinator::exportDiagnosticsJSON() const {
+  return diagnostics_.exportJSON(diagnosticsReport());
 }
 
 double AppCoordinator::elapsedProtectionSeconds() const {

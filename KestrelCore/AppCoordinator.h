@@ -8,6 +8,10 @@
 #include "KestrelCore/Agents/AgentStateCoordinator.h"
 #include "KestrelCore/Agents/HookEventReceiver.h"
 #include "KestrelCore/Agents/ProcessMonitor.h"
+#include "KestrelCore/Diagnostics/DiagnosticsExporter.h"
+#include "KestrelCore/GlobalShortcutController.h"
+#include "KestrelCore/LaunchAtLoginController.h"
+#include "KestrelCore/NotificationController.h"
 #include "KestrelCore/Platform/Platform.h"
 #include "KestrelCore/Policy/WakeDecision.h"
 #include "KestrelCore/Policy/WakePolicyEngine.h"
@@ -17,6 +21,7 @@
 #include "KestrelCore/Power/IdleWakeAssertionController.h"
 #include "KestrelCore/Power/LidMonitor.h"
 #include "KestrelCore/Power/ThermalMonitor.h"
+#include "KestrelCore/Presentation/AgentFamilyPresentation.h"
 #include "KestrelCore/Settings/SettingsStore.h"
 #include "KestrelCore/Support/Clock.h"
 #include "KestrelCore/Support/Executor.h"
@@ -71,12 +76,20 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   }
   /// All sessions, newest start first.
   [[nodiscard]] const Published<SessionList>& activeSessionsList() const { return activeSessionsList_; }
+  /// The sessions by family, with what is left of each family's budget.
+  [[nodiscard]] const Published<std::vector<AgentFamilyPresentation>>& agentFamilies() const {
+    return agentFamilies_;
+  }
   /// What the system says of the current hold.
   [[nodiscard]] const Published<HoldStatus>& hold() const { return hold_; }
   /// What the privileged helper last said; absent until it was asked for the first time.
   [[nodiscard]] const Published<std::optional<DeepSleepStatus>>& helperStatus() const {
     return deepHold_->helperStatus();
   }
+  /// A snapshot of everything for people who help. Waits for a command of the system, at most two seconds.
+  [[nodiscard]] DiagnosticsReport diagnosticsReport() const;
+  /// The same as text.
+  [[nodiscard]] std::string exportDiagnosticsJSON() const;
   /// Seconds since the current hold began, 0 without one.
   [[nodiscard]] double elapsedProtectionSeconds() const;
 
@@ -85,6 +98,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
 
   [[nodiscard]] SettingsStore& settings() { return settings_; }
   [[nodiscard]] UsageCoordinator& usage() { return usage_; }
+  [[nodiscard]] LaunchAtLoginController& launchAtLogin() { return launchAtLogin_; }
   [[nodiscard]] const Clock& clock() const { return *clock_; }
   [[nodiscard]] const BatteryMonitoring& batteryMonitor() const { return *batteryMonitor_; }
   [[nodiscard]] const ThermalMonitoring& thermalMonitor() const { return *thermalMonitor_; }
@@ -102,8 +116,11 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   void mergeScan(const std::vector<ProcessMatch>& matches);
   void tick();
   void publishSessions(const std::shared_ptr<const SessionTable>& sessions);
+  void publishFamilies();
+  void toggleMasterSwitch();
   void rememberBatteryBlock(const WakeDecision& decision, const PolicyEvaluationContext& context);
   void handleDecisionTransition(const WakeDecision& from, const WakeDecision& to);
+  void notifyOfTheEnd(const WakeDecision& decision);
   [[nodiscard]] std::vector<HoldEvidence> holdEvidence();
   [[nodiscard]] std::function<void()> evaluationRequest();
 
@@ -125,10 +142,15 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   const std::unique_ptr<LidMonitoring> lidMonitor_;
   const std::unique_ptr<HookEventReceiver> hookReceiver_;
   const std::unique_ptr<ProcessMonitor> processMonitor_;
+  NotificationController notifications_;
+  GlobalShortcutController shortcutController_;
+  LaunchAtLoginController launchAtLogin_;
+  const DiagnosticsExporter diagnostics_;
 
   Published<WakeDecision> currentDecision_;
   Published<std::optional<Date>> protectionStartedAt_;
   Published<SessionList> activeSessionsList_;
+  Published<std::vector<AgentFamilyPresentation>> agentFamilies_;
   Published<HoldStatus> hold_;
   Signal<> evaluated_;
 
@@ -137,6 +159,8 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   bool isBatteryBlocked_ = false;
   /// The table that `activeSessionsList_` was made from.
   std::shared_ptr<const SessionTable> publishedTable_;
+  /// Sessions or reports changed since the families were made.
+  bool familiesAreOld_ = true;
   RegistrationPtr evalTimer_;
   std::vector<RegistrationPtr> subscriptions_;
 };

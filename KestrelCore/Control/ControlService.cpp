@@ -23,7 +23,7 @@ ControlReply ControlService::perform(const ControlRequest& request) {
     std::size_t maximumArguments;
     ControlReply (ControlService::*action)(const Arguments&);
   };
-  static constexpr std::array<Command, 11> kCommands{{
+  static constexpr std::array<Command, 13> kCommands{{
       {"status", 0, 0, &ControlService::status},
       {"sessions", 0, 0, &ControlService::sessions},
       {"pause", 1, 1, &ControlService::pause},
@@ -34,6 +34,8 @@ ControlReply ControlService::perform(const ControlRequest& request) {
       {"settings", 1, 3, &ControlService::settings},
       {"usage", 0, 0, &ControlService::usage},
       {"doctor", 0, 0, &ControlService::doctor},
+      {"diagnostics", 0, 0, &ControlService::diagnostics},
+      {"why", 0, 0, &ControlService::why},
       {"show", 0, 0, &ControlService::show},
   }};
   for (const Command& command : kCommands) {
@@ -57,6 +59,17 @@ ControlReply ControlService::sessions(const Arguments&) {
 
 ControlReply ControlService::usage(const Arguments&) {
   return ControlReply::success(usageReport(coordinator_.usage(), coordinator_.clock().now()));
+}
+
+ControlReply ControlService::diagnostics(const Arguments&) {
+  return ControlReply::success(parseJson(coordinator_.exportDiagnosticsJSON()));
+}
+
+ControlReply ControlService::why(const Arguments&) {
+  return ControlReply::success(
+      {{"statusDescription", coordinator_.currentDecision().get().statusDescription()},
+       {"hold", encode(coordinator_.hold().get())},
+       {"systemAssertionsSummary", coordinator_.diagnosticsReport().systemAssertionsSummary}});
 }
 
 ControlReply ControlService::pause(const Arguments& arguments) {
@@ -96,6 +109,9 @@ ControlReply ControlService::settings(const Arguments& arguments) {
   if (verb == "set" && arguments.size() == 3) {
     if (const auto problem = setSetting(settings, arguments[1], arguments[2]))
       return ControlReply::failure(*problem);
+    // The system's list of login items follows the choice; a failure is in the log, and the choice stays.
+    if (arguments[1] == "launchAtLogin")
+      (void)coordinator_.launchAtLogin().setEnabled(settings.launchAtLogin());
     return changed(true);
   }
   return ControlReply::failure("'settings' takes list, get KEY or set KEY VALUE");

@@ -31,6 +31,8 @@ class ControlService {
   ControlReply disable(const Arguments& arguments);
   ControlReply settings(const Arguments& arguments);
   ControlReply doctor(const Arguments& arguments);
+  ControlReply diagnostics(const Arguments& arguments);
+  ControlReply why(const Arguments& arguments);
   ControlReply show(const Arguments& arguments);
   /// Evaluates after a change and tells the new status.
   ControlReply changed(bool kept);

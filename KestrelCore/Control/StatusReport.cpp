@@ -20,15 +20,6 @@ Json isoOrNull(const std::optional<Date>& date) {
   return date ? Json(iso8601(*date)) : Json(nullptr);
 }
 
-/// A session's own coding, with its dates readable.
-Json readableSession(const AgentSession& session) {
-  Json object = encode(session);
-  object["startedAt"] = iso8601(session.startedAt);
-  object["lastEventAt"] = iso8601(session.lastEventAt);
-  if (session.usageMetrics) object["usageMetrics"]["recordedAt"] = iso8601(session.usageMetrics->recordedAt);
-  return object;
-}
-
 Json powerReport(const BatteryMonitoring& monitor) {
   Json object = encode(monitor.currentSnapshot());
   object["source"] = orNull(monitor.sourceName());
@@ -36,6 +27,14 @@ Json powerReport(const BatteryMonitoring& monitor) {
 }
 
 }  // namespace
+
+Json readableSession(const AgentSession& session) {
+  Json object = encode(session);
+  object["startedAt"] = iso8601(session.startedAt);
+  object["lastEventAt"] = iso8601(session.lastEventAt);
+  if (session.usageMetrics) object["usageMetrics"]["recordedAt"] = iso8601(session.usageMetrics->recordedAt);
+  return object;
+}
 
 Json readableHelperStatus(const DeepSleepStatus& status) {
   Json object = encode(status);

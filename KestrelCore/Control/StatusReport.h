@@ -15,6 +15,9 @@ Json statusReport(AppCoordinator& coordinator);
 /// The sessions, newest start first, as `status` lists them.
 Json sessionsReport(AppCoordinator& coordinator);
 
+/// A session's own coding, with its dates readable.
+Json readableSession(const AgentSession& session);
+
 /// What the helper says, with its dates readable.
 Json readableHelperStatus(const DeepSleepStatus& status);
 

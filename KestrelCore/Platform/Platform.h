@@ -1,10 +1,15 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <vector>
 
+#include "KestrelCore/Platform/Chime.h"
 #include "KestrelCore/Platform/Directories.h"
+#include "KestrelCore/Platform/GlobalKeyMonitor.h"
 #include "KestrelCore/Platform/LidSource.h"
 #include "KestrelCore/Platform/LogSink.h"
+#include "KestrelCore/Platform/LoginItem.h"
 #include "KestrelCore/Platform/PeerIdentity.h"
 #include "KestrelCore/Platform/PowerAssertions.h"
 #include "KestrelCore/Platform/PowerSource.h"
@@ -12,6 +17,7 @@
 #include "KestrelCore/Platform/RunningApplications.h"
 #include "KestrelCore/Platform/ThermalSource.h"
 #include "KestrelCore/Platform/UserDefaults.h"
+#include "KestrelCore/Platform/UserNotifications.h"
 
 namespace kestrel {
 
@@ -27,6 +33,14 @@ struct Platform {
   std::unique_ptr<RunningApplications> applications;
   std::unique_ptr<UserDefaults> userDefaults;
   std::shared_ptr<const PeerIdentity> peerIdentity;
+  std::unique_ptr<UserNotifications> notifications;
+  std::unique_ptr<Chime> chime;
+  std::unique_ptr<GlobalKeyMonitor> keyMonitor;
+  std::unique_ptr<LoginItem> loginItem;
+  /// The system's name and version, for reports.
+  std::string osVersion;
+  /// What lists everything that keeps this machine awake, by its absolute path; empty where nothing does.
+  std::vector<std::string> assertionSummaryCommand;
 };
 
 }  // namespace kestrel

@@ -2,13 +2,18 @@
 #include "KestrelPlatform/Linux/DesktopEntries.h"
 #include "KestrelPlatform/Linux/HardwareServices.h"
 #include "KestrelPlatform/Linux/JsonFileDefaults.h"
+#include "KestrelPlatform/Linux/LinuxChime.h"
+#include "KestrelPlatform/Linux/LinuxGlobalKeyMonitor.h"
 #include "KestrelPlatform/Linux/LinuxLidSource.h"
+#include "KestrelPlatform/Linux/LinuxLoginItem.h"
 #include "KestrelPlatform/Linux/LinuxLowPowerMode.h"
 #include "KestrelPlatform/Linux/LinuxPowerAssertions.h"
 #include "KestrelPlatform/Linux/LinuxPowerSource.h"
 #include "KestrelPlatform/Linux/LinuxProcessList.h"
 #include "KestrelPlatform/Linux/LinuxRunningApplications.h"
 #include "KestrelPlatform/Linux/LinuxThermalSource.h"
+#include "KestrelPlatform/Linux/LinuxUserNotifications.h"
+#include "KestrelPlatform/Linux/OsVersion.h"
 #include "KestrelPlatform/PlatformFactory.h"
 
 namespace kestrel {
@@ -29,6 +34,14 @@ Platform makePlatform(const PlatformContext& context) {
       std::make_unique<JsonFileDefaults>(context.directories.settingsFile(), context.mainExecutor,
                                          context.files, context.clock, Logger(sink, "settings"));
   platform.peerIdentity = makePeerIdentity();
+  const std::filesystem::path program = ownProgram();
+  platform.notifications = makeLinuxUserNotifications(context.mainExecutor, sink);
+  platform.chime = makeLinuxChime(context.mainExecutor, sink, program.parent_path() / "kestrel-chime");
+  platform.keyMonitor = makeLinuxGlobalKeyMonitor(context.mainExecutor, sink);
+  platform.loginItem =
+      makeLinuxLoginItem(autostartEntry(context.directories.preferences), program, context.files);
+  platform.osVersion = linuxOsVersion();
+  platform.assertionSummaryCommand = {"/usr/bin/systemd-inhibit", "--list", "--no-pager"};
   return platform;
 }
 

@@ -28,6 +28,11 @@ SimulatedPlatform simulatedPlatform(bool lidIsObservable) {
   result.applications = install<SimulatedRunningApplications>(platform.applications);
   result.userDefaults = install<MemoryUserDefaults>(platform.userDefaults);
   result.peerIdentity = install<SimulatedPeerIdentity>(platform.peerIdentity);
+  result.notifications = install<SimulatedUserNotifications>(platform.notifications);
+  result.chime = install<SimulatedChime>(platform.chime);
+  result.keyMonitor = install<SimulatedGlobalKeyMonitor>(platform.keyMonitor);
+  result.loginItem = install<SimulatedLoginItem>(platform.loginItem);
+  platform.osVersion = "Simulated";
   return result;
 }
 

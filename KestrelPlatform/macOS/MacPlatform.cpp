@@ -15,6 +15,12 @@ Platform makePlatform(const PlatformContext& context) {
   platform.applications = makeMacRunningApplications();
   platform.userDefaults = makeMacUserDefaults(context.mainExecutor, context.logSink);
   platform.peerIdentity = makePeerIdentity();
+  platform.notifications = makeMacUserNotifications();
+  platform.chime = makeMacChime();
+  platform.keyMonitor = makeMacGlobalKeyMonitor();
+  platform.loginItem = makeMacLoginItem();
+  platform.osVersion = macOsVersion();
+  platform.assertionSummaryCommand = {"/usr/bin/pmset", "-g", "assertions"};
   return platform;
 }
 

@@ -69,8 +69,13 @@ static_assert(NSKeyValueObservingOptionInitial == 4 && NSKeyValueObservingOption
 // AppKit, UserNotifications, ServiceManagement.
 static_assert(NSEventMaskKeyDown == 1 << 10 && NSEventMaskLeftMouseDown == 2 && NSEventMaskMouseMoved == 32);
 static_assert(NSApplicationActivationPolicyRegular == 0 && NSApplicationActivationPolicyProhibited == 2);
-static_assert(UNAuthorizationOptionAlert == 4 && UNAuthorizationOptionSound == 2);
-static_assert(SMAppServiceStatusNotRegistered == 0 && SMAppServiceStatusNotFound == 3);
+static_assert(NSEventModifierFlagCapsLock == 0x10000 && NSEventModifierFlagShift == 0x20000);
+static_assert(NSEventModifierFlagControl == 0x40000 && NSEventModifierFlagOption == 0x80000);
+static_assert(NSEventModifierFlagCommand == 0x100000);
+static_assert(UNAuthorizationOptionAlert == 4 && UNAuthorizationOptionSound == 2 &&
+              UNAuthorizationOptionBadge == 1);
+static_assert(SMAppServiceStatusNotRegistered == 0 && SMAppServiceStatusEnabled == 1);
+static_assert(SMAppServiceStatusRequiresApproval == 2 && SMAppServiceStatusNotFound == 3);
 
 // IOKit.
 static_assert(kIOReturnSuccess == 0 && IO_OBJECT_NULL == 0);

@@ -7,6 +7,8 @@
 
 #include "tests/core/AppCoordinatorFixture.h"
 
+#include "KestrelCore/Support/Json.h"
+
 namespace kestrel {
 namespace {
 
@@ -111,6 +113,7 @@ TEST_F(AppCoordinatorTest, FollowsTheDisplayFlagAndRetriesWhatFailed) {
 }
 
 TEST_F(AppCoordinatorTest, MergesRequests) {
+  while (!app_->helperStatus().get()) executor_.runPending();
   executor_.runPending();
   int evaluations = 0;
   const auto counting = app_->observeEvaluations([&] { ++evaluations; });
@@ -121,6 +124,82 @@ TEST_F(AppCoordinatorTest, MergesRequests) {
   app_->evaluate();
   executor_.runPending();
   EXPECT_EQ(evaluations, 2) << "an evaluation answers the requests made before it";
+}
+
+TEST_F(AppCoordinatorTest, TellsHowProtectionBeginsAndEnds) {
+  std::size_t seen = 0;
+  const auto posted = [&] {
+    std::string text;
+    const auto& all = machine_.notifications->posted();
+    for (; seen < all.size(); ++seen) text += all[seen].identifier + ": " + all[seen].body + "\n";
+    return text;
+  };
+  EXPECT_EQ(machine_.notifications->requests().size(), 1U);
+  setBattery(80);
+  hook("s", working);
+  hook("t", working);
+  EXPECT_EQ(posted(), "kestrel.started: 1 coding agent session working.\n") << "once for one hold";
+  const std::string started = "kestrel.started: 2 coding agent sessions working.\n";
+  const auto heat = [&](int level) {
+    machine_.thermal->set(level);
+    machine_.thermal->fireChange();
+  };
+  const struct {
+    std::function<void()> change;
+    std::string expected;
+  } rows[] = {
+      {[&] { setBattery(15); }, "kestrel.battery: Kestrel released sleep protection at 15%.\n"},
+      {[&] { setBattery(80); }, started},
+      {[&] { heat(3); },
+       "kestrel.thermal: Kestrel released sleep protection so macOS can cool down normally.\n"},
+      {[&] { heat(0); }, started},
+      {[&] { settings_.pause(100); }, ""},
+      {[&] { settings_.resume(); }, started},
+      {[&] { settings_.setNotificationsEnabled(false); }, ""},
+      {[&] { settings_.setMasterEnabled(false); }, ""},
+      {[&] { settings_.setMasterEnabled(true); }, ""},
+      {[&] { settings_.setNotificationsEnabled(true); }, ""},
+      {[&] { hook("s", idle), hook("t", idle), executor_.advance(30); },
+       "kestrel.finished: Normal sleep behavior has been restored.\n"},
+  };
+  for (const auto& row : rows) {
+    after(row.change);
+    EXPECT_EQ(posted(), row.expected) << &row - rows;
+  }
+}
+
+TEST_F(AppCoordinatorTest, TheShortcutTogglesTheMasterSwitchAndFamiliesFollow) {
+  const KeyPress shortcut{KeyPress::kKeyL, KeyPress::kOption | KeyPress::kCommand};
+  hook("s", working);
+  ASSERT_EQ(app_->agentFamilies().get().size(), 1U);
+  EXPECT_EQ(app_->agentFamilies().get()[0].workingSessionCount, 1U);
+  machine_.keyMonitor->pressElsewhere(shortcut);
+  EXPECT_EQ(status(), "Safety blocked: Master switch disabled");
+  EXPECT_TRUE(machine_.keyMonitor->pressHere(shortcut));
+  EXPECT_EQ(status(), kWorking);
+  app_->stop();
+  machine_.keyMonitor->pressElsewhere(shortcut);
+  EXPECT_TRUE(settings_.masterEnabled()) << "not after the end";
+}
+
+TEST_F(AppCoordinatorTest, DiagnosticsTellEverythingButWhatIsPrivate) {
+  HookEvent event;
+  event.agent = AgentType::claude;
+  event.sessionId = "s";
+  event.state = waiting;
+  event.timestamp = world_.clock->now();
+  event.cwd = world_.directories().home.string() + "/p";
+  app_->agentCoordinator().didReceiveHookEvent(event);
+  executor_.runPending();
+  const std::string text = app_->exportDiagnosticsJSON();
+  const Json report = parseJson(text);
+  EXPECT_EQ(text, report.dump(2)) << "indented, with sorted keys";
+  EXPECT_EQ(report["activeAgentCount"], 1);
+  EXPECT_EQ(report["policyDecision"], kWorking);
+  EXPECT_EQ(report["timestamp"], iso8601(world_.clock->now()));
+  EXPECT_EQ(report["sessions"][0]["cwd"], "~/p");
+  EXPECT_THAT(text, testing::Not(testing::HasSubstr(world_.directories().home.string())));
+  EXPECT_EQ(report["systemAssertionsSummary"], "");
 }
 
 TEST_F(AppCoordinatorTest, SilentSessionsGoStaleAndAreForgottenAfterADay) {

@@ -1,12 +1,17 @@
 #include <chrono>
 #include <cstdlib>
+#include <fstream>
 #include <gmock/gmock.h>
+#include <sstream>
+#include <tuple>
 #include <unistd.h>
 
 #include "tests/relay/HookListener.h"
 
+#include "KestrelCore/Agents/Adapters/AgentRegistry.h"
 #include "KestrelCore/Platform/Directories.h"
 #include "KestrelCore/Support/ChildProcess.h"
+#include "KestrelCore/Support/Json.h"
 #include "KestrelPlatform/Simulated/TemporaryDirectories.h"
 
 // The real executable, called by a shell as agents call their hooks.
@@ -15,7 +20,6 @@ namespace kestrel {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr const char* kSessionJson =
@@ -98,20 +102,104 @@ TEST_F(RelayProcessTest, UnderstandsEveryWayInWhichHooksAreCalled) {
   EXPECT_TRUE(fs::exists(home_ / "all"));  // The writer of much input could finish.
 }
 
-TEST_F(RelayProcessTest, OneSessionOfAnAgentStaysOneSession) {
+/// What the adapters' set-ups put into agents' files, run as the agents run it, with their recorded inputs.
+class RelaySetUpTest : public RelayProcessTest {
+ protected:
+  RelaySetUpTest() {
+    fs::create_directory(relay_.parent_path());
+    fs::create_symlink(KESTREL_RELAY_PATH, relay_);
+  }
+
+  static std::vector<AgentSetup> setUps(AgentType agent, const fs::path& relay) {
+    AgentRegistry registry({});
+    registry.registerDefaultAdapters();
+    return registry.adapter(agent)->verifiedSetups(relay.native());
+  }
+
+  /// Starts what is configured for an event, or for "Notification:" and its subject, if anything is.
+  static void fire(const AgentSetup& setUp, const std::string& event) {
+    const std::string name = event.substr(0, event.find(':'));
+    const Json hooks = parseJson(setUp.what)["hooks"];
+    if (!hooks.contains(name)) return;
+    const std::string input =
+        R"({"session_id":"s-1","cwd":"/home/u/p","tool_input":{"hook_event_name":"Stop"},"hook_event_name":")" +
+        name + R"(","notification_type":")" + event.substr(event.find(':') + 1) +
+        "\",\"prompt\":\"'$`\xFF\"}";
+    setenv("INPUT", input.c_str(), 1);
+    setenv("HOOK", hooks[name][0]["hooks"][0]["command"].get<std::string>().c_str(), 1);
+    expectSilentSuccess(R"(printf %s "$INPUT" 2>/dev/null | /bin/sh -c "$HOOK")");
+  }
+
+  /// The reported states, which are all of one session.
+  static std::string statesOf(const std::vector<HookEvent>& events, AgentType agent) {
+    std::string states;
+    for (const auto& event : events) {
+      EXPECT_EQ(std::tuple(event.agent, event.sessionId, event.cwd), std::tuple(agent, "s-1", "/home/u/p"));
+      states += std::string(rawValue(event.state)) + " ";
+    }
+    return states;
+  }
+
+  /// A path that has to be quoted for the shell, for JSON and for JavaScript.
+  const fs::path relay_ = home_ / "it's \"$k\" \\" / "kestrel-relay";
+};
+
+TEST_F(RelaySetUpTest, HooksReportTheAgentsTurns) {
+  const std::tuple<AgentType, const char*, const char*> turns[] = {
+      {AgentType::claude,
+       "SessionStart UserPromptSubmit PreToolUse PermissionRequest Notification:permission_prompt "
+       "PostToolUse "
+       "PostToolBatch SubagentStop Stop Notification:idle_prompt SessionEnd",
+       "idle working working waiting waiting working idle idle completed "},
+      {AgentType::claude, "UserPromptSubmit StopFailure", "working idle "},
+      {AgentType::codex, "SessionStart UserPromptSubmit PreToolUse PermissionRequest PostToolUse Stop",
+       "idle working working waiting working idle "},
+      {AgentType::codex, "UserPromptSubmit Interrupt SessionEnd", "working idle completed "},
+      {AgentType::gemini,
+       "SessionStart BeforeAgent BeforeTool Notification:ToolPermission AfterTool AfterAgent SessionEnd",
+       "idle working working waiting working idle completed "}};
+  for (const auto& [agent, events, states] : turns) {
+    HookListener listener(socket_);
+    std::istringstream names(events);
+    for (std::string event; names >> event;) fire(setUps(agent, relay_)[0], event);
+    EXPECT_EQ(statesOf(listener.finish(), agent), states);
+  }
+}
+
+TEST_F(RelaySetUpTest, CodexNotifiesOfTheEndOfATurn) {
   HookListener listener(socket_);
-  for (const std::string event :
-       {"SessionStart", "PreToolUse", "PermissionRequest", "SubagentStop", "Stop"}) {
-    expectSilentSuccess(R"(printf '{"session_id":"s-1","hook_event_name":"%s","x":"\377"}' )" + event +
-                        R"( | "$RELAY" --agent claude --state auto)");
-  }
-  std::vector<AgentState> states;
-  for (const HookEvent& event : listener.finish()) {
-    states.push_back(event.state);
-    EXPECT_EQ(event.sessionId, "s-1");
-  }
-  EXPECT_THAT(states,
-              ElementsAre(AgentState::idle, AgentState::working, AgentState::waiting, AgentState::idle));
+  const std::string line = setUps(AgentType::codex, relay_)[1].what;
+  auto words = parseJson(line.substr(line.find('['))).get<std::vector<std::string>>();
+  words.emplace_back(R"({"type":"agent-turn-complete","thread-id":"s-1","turn-id":"t","cwd":"/home/u/p"})");
+  EXPECT_EQ(runChildProcess(words)->status, 0);
+  EXPECT_EQ(statesOf(listener.finish(), AgentType::codex), "idle ");
+}
+
+TEST_F(RelaySetUpTest, GeminiIsNeverRefusedAnything) {
+  // The second prints an error and ends with status 2.
+  for (const char* relay : {"/missing", "/bin/ls"}) fire(setUps(AgentType::gemini, relay)[0], "BeforeAgent");
+}
+
+TEST_F(RelaySetUpTest, OpenCodeReportsInOrder) {
+  if (run("node --version").status != 0) GTEST_SKIP() << "there is no node";
+  HookListener listener(socket_);
+  // A relay that is slow with "busy", so that a call that does not wait for it would overtake it.
+  const fs::path slow = relay_.parent_path() / "slow";
+  std::ofstream(slow) << "#!/bin/sh\ncase \"$*\" in *busy*) sleep 0.1;; esac\nexec \"$RELAY\" \"$@\"\n";
+  fs::permissions(slow, fs::perms::owner_all);
+  std::ofstream(home_ / "kestrel.mjs") << setUps(AgentType::opencode, slow)[0].what;
+  std::ofstream(home_ / "missing.mjs") << setUps(AgentType::opencode, home_ / "missing")[0].what;
+  std::ofstream(home_ / "host.mjs") << R"(
+    for (const file of ["missing", "kestrel"]) {
+      const { event } = await (await import(`./${file}.mjs`)).KestrelPlugin({ directory: "/home/u/p" });
+      const tell = (type, status) => event({ event: { type, properties: { sessionID: "s-1", status: { type: status } } } });
+      for (const status of ["busy", "busy", "retry", "idle", "busy"]) tell("session.status", status);
+      tell("session.idle");
+      await tell("session.status", "idle");
+    })";
+  const Outcome outcome = run("node \"$HOME/host.mjs\"");
+  EXPECT_EQ(std::to_string(outcome.status) + outcome.output, "0");
+  EXPECT_EQ(statesOf(listener.finish(), AgentType::opencode), "working working idle working idle ");
 }
 
 TEST_F(RelayProcessTest, FailsSilentlyUnlessAskedToBeStrict) {

@@ -94,8 +94,14 @@ typedef struct { unsigned long state; id __unsafe_unretained* itemsPtr; unsigned
 @end
 @interface NSURL : NSObject
 @property(readonly, copy) NSString* path;
+@property(readonly, copy) NSString* pathExtension;
 @property(readonly) const char* fileSystemRepresentation;
 - (NSURL*)URLByAppendingPathComponent:(NSString*)c isDirectory:(BOOL)d;
+@end
+@interface NSBundle : NSObject
+@property(class, readonly, strong) NSBundle* mainBundle;
+@property(readonly, copy) NSURL* bundleURL;
+@property(readonly, copy) NSString* bundleIdentifier;
 @end
 @interface NSUUID : NSObject
 + (instancetype)UUID;
