@@ -9,7 +9,7 @@ namespace {
 std::string belowHome(const std::string& folder, const std::string& home) {
   const bool isBelow = folder.starts_with(home) && !home.empty() &&
                        (folder.size() == home.size() || folder[home.size()] == '/');
-  return isBelow ? "~" + folder.substr(home.size()) : folder;
+  return isBelow ? std::string(1, '~').append(folder, home.size()) : folder;
 }
 
 }  // namespace
