@@ -2,13 +2,12 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <optional>
 #include <set>
 #include <system_error>
-#include <unistd.h>
 
 #include "KestrelControl/AgentsText.h"
+#include "KestrelControl/SiblingProgram.h"
 #include "KestrelCore/Agents/Adapters/AgentRegistry.h"
 #include "KestrelCore/Support/Clock.h"
 #include "KestrelCore/Support/Json.h"
@@ -17,8 +16,6 @@
 
 namespace kestrel {
 namespace {
-
-namespace fs = std::filesystem;
 
 int complain(const std::string& problem) {
   std::fprintf(stderr, "kestrelctl: %s\n", problem.c_str());
@@ -56,14 +53,10 @@ std::set<AgentType> agentsOf(const Json& answer) {
 }
 
 /// The relay as the agents will call it: beside this program, however it was called.
-std::optional<std::string> relayBeside(const AgentInspector& inspector, const std::string& ownPath) {
-  const bool hasFolder = ownPath.find('/') != std::string::npos;
-  const fs::path called = hasFolder ? fs::path(ownPath) : inspector.findExecutable(ownPath).value_or(ownPath);
-  std::error_code error;
-  const fs::path relay = fs::canonical(called, error).parent_path() / "kestrel-relay";
-  if (!error && ::access(relay.c_str(), X_OK) == 0) return relay.native();
-  const auto found = inspector.findExecutable("kestrel-relay");
-  return found ? std::optional(found->native()) : std::nullopt;
+std::optional<std::string> relayFor(const AgentInspector& inspector, const std::string& ownPath) {
+  auto relay = siblingProgram(ownPath, "kestrel-relay");
+  if (!relay) relay = inspector.findExecutable("kestrel-relay");
+  return relay ? std::optional(relay->native()) : std::nullopt;
 }
 
 Json verifiedReport(const AgentAdapter& adapter, const std::string& relay) {
@@ -112,7 +105,7 @@ int runSetupCommand(const SetupOptions& options, const Directories& directories,
   std::string relay;
   const bool needsRelay = adapter->integrationType() != IntegrationType::process;
   if (needsRelay) {
-    const auto found = relayBeside(AgentInspector(environment), ownPath);
+    const auto found = relayFor(AgentInspector(environment), ownPath);
     if (!found) return complain("there is no kestrel-relay beside kestrelctl, nor in PATH");
     if (!isUtf8(*found)) return complain("the path of kestrel-relay cannot be written into a configuration");
     relay = *found;

@@ -2,16 +2,15 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fmt/format.h>
 #include <optional>
-#include <sstream>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <vector>
 
+#include "KestrelControl/SiblingProgram.h"
 #include "KestrelControl/StatusText.h"
 #include "KestrelCore/Control/StatusReport.h"
 #include "KestrelCore/Power/DeepSleepController.h"
@@ -35,27 +34,6 @@ constexpr auto kStartPause = std::chrono::milliseconds(100);
 int complain(const std::string& problem) {
   std::fprintf(stderr, "kestrelctl: %s\n", problem.c_str());
   return kControlFailed;
-}
-
-/// The executable of a command as a shell finds it.
-fs::path executableOf(const std::string& name) {
-  if (name.find('/') != std::string::npos) return name;
-  const char* variable = std::getenv("PATH");
-  std::istringstream folders(variable == nullptr ? "" : variable);
-  for (std::string folder; std::getline(folders, folder, ':');) {
-    if (::access((fs::path(folder) / name).c_str(), X_OK) == 0) return fs::path(folder) / name;
-  }
-  return name;
-}
-
-std::optional<fs::path> helperBeside(const std::string& ownPath) {
-  std::error_code error;
-  const fs::path self = fs::canonical(executableOf(ownPath), error);
-  const fs::path folder = self.parent_path();
-  for (const auto& candidate : {folder / "kestrel-helper", folder / "../libexec/kestrel/kestrel-helper"}) {
-    if (!error && ::access(candidate.c_str(), X_OK) == 0) return candidate.lexically_normal();
-  }
-  return std::nullopt;
 }
 
 struct HelperPlace {
@@ -179,7 +157,7 @@ int runHelperCommand(const HelperOptions& options, const Directories& directorie
   const HelperPlace place = placeOf(directories, !options.forThisUser);
   HelperInstallation installation{!options.forThisUser, directories, {}};
   if (options.verb == "uninstall") return uninstall(installation, place);
-  const auto helper = helperBeside(ownPath);
+  const auto helper = siblingProgram(ownPath, "kestrel-helper", "../libexec/kestrel");
   if (!helper && !installation.isPackaged()) return complain("there is no kestrel-helper beside kestrelctl");
   installation.helper = helper.value_or(fs::path());
   return install(installation, place);
