@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "KestrelControl/AgentsText.h"
+#include "KestrelControl/Output.h"
 #include "KestrelControl/SiblingProgram.h"
 #include "KestrelCore/Agents/Adapters/AgentRegistry.h"
 #include "KestrelCore/Support/Clock.h"
@@ -16,16 +17,6 @@
 
 namespace kestrel {
 namespace {
-
-int complain(const std::string& problem) {
-  std::fprintf(stderr, "kestrelctl: %s\n", problem.c_str());
-  return kControlFailed;
-}
-
-int print(const std::string& output) {
-  const bool written = std::fputs(output.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
-  return written ? kControlDone : complain("the output cannot be written");
-}
 
 std::string jsonText(const Json& report) {
   return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

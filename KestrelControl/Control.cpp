@@ -6,6 +6,7 @@
 
 #include "KestrelControl/AgentsCommand.h"
 #include "KestrelControl/HelperCommand.h"
+#include "KestrelControl/Output.h"
 #include "KestrelControl/StatusText.h"
 #include "KestrelControl/UsageCommand.h"
 #include "KestrelCore/Platform/Directories.h"
@@ -19,9 +20,9 @@ namespace {
 /// At each step; Kestrel answers within milliseconds.
 constexpr double kTimeoutSeconds = 5;
 
-int complain(const std::string& problem, int status) {
-  std::fprintf(stderr, "%s\n", problem.c_str());
-  return status;
+int notRunning() {
+  std::fputs("Kestrel is not running.\n", stderr);
+  return kControlNotRunning;
 }
 
 /// Asks at the first place where somebody listens.
@@ -67,16 +68,11 @@ Json answerOfKestrel(const Directories& directories, const std::string& command)
   }
 }
 
-int print(const std::string& text) {
-  const bool written = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
-  return written ? kControlDone : complain("kestrelctl: the output cannot be written", kControlFailed);
-}
-
 }  // namespace
 
 int runControl(const ControlOptions& options, const std::string& ownPath) {
   const auto directories = userDirectories();
-  if (!directories) return complain("kestrelctl: HOME names no home directory", kControlFailed);
+  if (!directories) return complain("HOME names no home directory");
   if (options.helper) return runHelperCommand(*options.helper, *directories, ownPath);
   if (options.usage) {
     return runUsageCommand(*options.usage, *directories,
@@ -89,19 +85,17 @@ int runControl(const ControlOptions& options, const std::string& ownPath) {
   if (options.setup) return runSetupCommand(*options.setup, *directories, ownPath);
   const SocketExchange exchanged = exchange(*directories, options.request);
   if (exchanged.outcome == SocketExchange::Outcome::nobodyListens) {
-    return complain("Kestrel is not running.", kControlNotRunning);
+    return notRunning();
   }
   if (exchanged.outcome == SocketExchange::Outcome::failed) {
-    return complain("kestrelctl: Kestrel does not answer at " + directories->controlSocket().string(),
-                    kControlFailed);
+    return complain("Kestrel does not answer at " + directories->controlSocket().string());
   }
   try {
     const ControlReply reply = decodeControlReply(exchanged.reply);
-    if (!reply.ok()) return complain("kestrelctl: " + printable(reply.error), kControlFailed);
+    if (!reply.ok()) return complain(printable(reply.error));
     return print(options.json ? indented(*reply.result) : resultText(options.request, *reply.result));
   } catch (const DecodingError& error) {
-    return complain("kestrelctl: Kestrel's answer cannot be read: " + std::string(error.what()),
-                    kControlFailed);
+    return complain("Kestrel's answer cannot be read: " + std::string(error.what()));
   }
 }
 

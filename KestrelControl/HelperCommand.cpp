@@ -10,6 +10,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "KestrelControl/Output.h"
 #include "KestrelControl/SiblingProgram.h"
 #include "KestrelControl/StatusText.h"
 #include "KestrelCore/Control/StatusReport.h"
@@ -30,11 +31,6 @@ namespace fs = std::filesystem;
 constexpr double kStepTimeoutSeconds = 60;
 constexpr int kStartAttempts = 50;
 constexpr auto kStartPause = std::chrono::milliseconds(100);
-
-int complain(const std::string& problem) {
-  std::fprintf(stderr, "kestrelctl: %s\n", problem.c_str());
-  return kControlFailed;
-}
 
 struct HelperPlace {
   const char* title;
@@ -70,8 +66,8 @@ int showStatus(const Directories& directories, bool asJson) {
     const std::string words = status ? helperText(report[place.key], SystemClock().now()) : place.silence();
     text += fmt::format("{:<15}{}\n", place.title, words);
   }
-  std::fputs(asJson ? (report.dump(2) + "\n").c_str() : text.c_str(), stdout);
-  return answers ? kControlDone : kControlFailed;
+  const int status = print(asJson ? report.dump(2) + "\n" : text);
+  return answers ? status : kControlFailed;
 }
 
 /// Shows a command and runs it; what it complains about is shown too.

@@ -1,9 +1,9 @@
 #include "KestrelControl/UsageCommand.h"
 
-#include <cstdio>
 #include <string>
 #include <unistd.h>
 
+#include "KestrelControl/Output.h"
 #include "KestrelControl/UsageText.h"
 #include "KestrelCore/Control/UsageReport.h"
 #include "KestrelCore/Support/Json.h"
@@ -32,11 +32,8 @@ UsageStore readStore(const Directories& directories, const std::shared_ptr<const
        std::make_shared<ErrorsOnly>(makeStreamLogSink(STDERR_FILENO, LogLineStyle::terminal, clock))});
 }
 
-int print(const Json& report, const std::string& text, bool asJson) {
-  const std::string output =
-      asJson ? report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n" : text;
-  const bool written = std::fputs(output.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
-  return written ? kControlDone : kControlFailed;
+int printEither(const Json& report, const std::string& text, bool asJson) {
+  return print(asJson ? report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n" : text);
 }
 
 }  // namespace
@@ -48,17 +45,18 @@ int runUsageCommand(const UsageOptions& options, const Directories& directories,
     // For other programs everything, unless they say otherwise.
     const auto usual = options.json ? SIZE_MAX : kUsualSessions;
     const auto sessions = readStore(directories, clock).recentSessions(options.limit.value_or(usual));
-    return print(usageSessionsReport(sessions), usageSessionsText(sessions, clock->now()), options.json);
+    return printEither(usageSessionsReport(sessions), usageSessionsText(sessions, clock->now()),
+                       options.json);
   }
   if (options.what == "days") {
     const auto days = readStore(directories, clock).daySummaries(options.limit.value_or(kUsualDays));
-    return print(usageDaysReport(days), usageDaysText(days), options.json);
+    return printEither(usageDaysReport(days), usageDaysText(days), options.json);
   }
   Json usage = askKestrel();
   if (!usage.is_object()) {
     usage = {{"today", encode(readStore(directories, clock).todaySummary())}};
   }
-  return print(usage["today"], usageTodayText(usage), options.json);
+  return printEither(usage["today"], usageTodayText(usage), options.json);
 }
 
 }  // namespace kestrel
