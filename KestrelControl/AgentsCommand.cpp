@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <system_error>
+#include <unistd.h>
 
 #include "KestrelControl/AgentsText.h"
 #include "KestrelControl/Output.h"

@@ -10,6 +10,7 @@
 #include <spawn.h>
 #include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 #include "KestrelCore/Support/Mutex.h"
 #include "KestrelCore/Support/UniqueDescriptor.h"
