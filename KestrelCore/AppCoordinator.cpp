@@ -206,10 +206,12 @@ void AppCoordinator::evaluate() {
   rememberBatteryBlock(decision, context);
   publishSessions(context.sessions);
   publishFamilies();
+  dominantVisualState_.set(aggregateVisualState(activeSessionsList_.get(), decision));
   currentDecision_.set(decision);
   handleDecisionTransition(previousDecision_, decision);
   previousDecision_ = decision;
   hold_.set(holdStatus(protectionStartedAt_.get(), holdEvidence()));
+  renderSurfaces(context);
   evaluated_();
 }
 
@@ -239,6 +241,32 @@ void AppCoordinator::publishFamilies() {
   if (!std::exchange(familiesAreOld_, false)) return;
   agentFamilies_.set(
       AgentFamilyPresentation::buildFamilies(activeSessionsList_.get(), usage_.latestBudgetReports().get()));
+}
+
+void AppCoordinator::renderSurfaces(const PolicyEvaluationContext& context) {
+  const auto& sessions = activeSessionsList_.get();
+  KestrelDisplayState state;
+  state.visualState = dominantVisualState_.get();
+  state.activeWorkingAgentCount =
+      std::ranges::count_if(sessions, [](const auto& session) { return session->isWorking(); });
+  state.totalActiveSessionsCount = static_cast<std::int64_t>(sessions.size());
+  state.decision = currentDecision_.get();
+  state.batteryPercent = context.powerSource.batteryPercent;
+  state.isCharging = context.powerSource.isCharging;
+  state.isOnAC = context.powerSource.isOnAC;
+  state.isPaused = context.pauseUntil && *context.pauseUntil > context.now;
+  if (state.isPaused) state.pauseRemainingSeconds = *context.pauseUntil - context.now;
+  state.lidHoldActive = std::ranges::any_of(hold_.get().by, [](const auto& entry) {
+    return entry.kind == HoldKind::lid && entry.state == HoldEvidenceState::held;
+  });
+  state.elapsedProtectionSeconds = elapsedProtectionSeconds();
+  displayState_ = std::move(state);
+  for (const auto& surface : surfaces_) surface->render(displayState_);
+}
+
+void AppCoordinator::addSurface(std::shared_ptr<StatusSurface> surface) {
+  surface->render(displayState_);
+  surfaces_.push_back(std::move(surface));
 }
 
 void AppCoordinator::toggleMasterSwitch() {

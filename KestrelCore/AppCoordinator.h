@@ -22,6 +22,8 @@
 #include "KestrelCore/Power/LidMonitor.h"
 #include "KestrelCore/Power/ThermalMonitor.h"
 #include "KestrelCore/Presentation/AgentFamilyPresentation.h"
+#include "KestrelCore/Presentation/KestrelDisplayState.h"
+#include "KestrelCore/Presentation/StatusSurface.h"
 #include "KestrelCore/Settings/SettingsStore.h"
 #include "KestrelCore/Support/Clock.h"
 #include "KestrelCore/Support/Executor.h"
@@ -80,6 +82,14 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   [[nodiscard]] const Published<std::vector<AgentFamilyPresentation>>& agentFamilies() const {
     return agentFamilies_;
   }
+  /// The mascot's mood.
+  [[nodiscard]] const Published<KestrelVisualState>& dominantVisualState() const {
+    return dominantVisualState_;
+  }
+  /// What the surfaces were shown last.
+  [[nodiscard]] const KestrelDisplayState& displayState() const { return displayState_; }
+  /// Shows the surface the state of the moment, and from now on that after each evaluation.
+  void addSurface(std::shared_ptr<StatusSurface> surface);
   /// What the system says of the current hold.
   [[nodiscard]] const Published<HoldStatus>& hold() const { return hold_; }
   /// What the privileged helper last said; absent until it was asked for the first time.
@@ -117,6 +127,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   void tick();
   void publishSessions(const std::shared_ptr<const SessionTable>& sessions);
   void publishFamilies();
+  void renderSurfaces(const PolicyEvaluationContext& context);
   void toggleMasterSwitch();
   void rememberBatteryBlock(const WakeDecision& decision, const PolicyEvaluationContext& context);
   void handleDecisionTransition(const WakeDecision& from, const WakeDecision& to);
@@ -151,7 +162,10 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   Published<std::optional<Date>> protectionStartedAt_;
   Published<SessionList> activeSessionsList_;
   Published<std::vector<AgentFamilyPresentation>> agentFamilies_;
+  Published<KestrelVisualState> dominantVisualState_;
   Published<HoldStatus> hold_;
+  KestrelDisplayState displayState_;
+  std::vector<std::shared_ptr<StatusSurface>> surfaces_;
   Signal<> evaluated_;
 
   WakeDecision previousDecision_;

@@ -57,7 +57,7 @@ Json statusReport(AppCoordinator& coordinator) {
           {"decision", encode(decision)},
           {"hold", encode(coordinator.hold().get())},
           {"sessions", sessionsReport(coordinator)},
-          {"visualState", nullptr},
+          {"visualState", encode(coordinator.dominantVisualState().get())},
           {"power", powerReport(coordinator.batteryMonitor())},
           {"thermalState", rawValue(coordinator.thermalMonitor().currentThermalState())},
           {"thermalSource", orNull(coordinator.thermalMonitor().sourceName())},

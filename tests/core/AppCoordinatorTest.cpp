@@ -47,6 +47,46 @@ TEST_F(AppCoordinatorTest, HoldsWhileAnAgentWorksAndThroughTheDebounce) {
   EXPECT_EQ(machine_.powerAssertions->calls().size(), 2U) << "taken once, released once";
 }
 
+class RecordingSurface final : public StatusSurface {
+ public:
+  [[nodiscard]] std::string_view surfaceIdentifier() const override { return "recording"; }
+  void render(const KestrelDisplayState& state) override { shown.push_back(state); }
+  std::vector<KestrelDisplayState> shown;
+};
+
+TEST_F(AppCoordinatorTest, SurfacesAreShownEachEvaluation) {
+  const auto surface = std::make_shared<RecordingSurface>();
+  app_->addSurface(surface);
+  ASSERT_EQ(surface->shown.size(), 1U) << "what is known already";
+  setBattery(60, true, true);
+  hook("a", working);
+  hook("b", waiting);
+  hook("c", completed);
+  executor_.advance(5);
+  EXPECT_EQ(surface->shown.back(), app_->displayState());
+  KestrelDisplayState expected{KestrelVisualState::working,
+                               2,
+                               3,
+                               app_->currentDecision().get(),
+                               60,
+                               true,
+                               true,
+                               false,
+                               std::nullopt,
+                               false,
+                               5};
+  EXPECT_EQ(surface->shown.back(), expected);
+  settings_.pause(90);
+  executor_.advance(30);
+  const auto& paused = surface->shown.back();
+  EXPECT_EQ(paused.visualState, KestrelVisualState::error);
+  EXPECT_EQ(paused.pauseRemainingSeconds, 60);
+  EXPECT_EQ(paused.elapsedProtectionSeconds, 0);
+  executor_.advance(60);
+  EXPECT_FALSE(surface->shown.back().isPaused) << "over, though still stored";
+  EXPECT_EQ(app_->dominantVisualState().get(), KestrelVisualState::working);
+}
+
 TEST_F(AppCoordinatorTest, SettingsAndSafetyRulesActAtOnceAndComeBack) {
   setBattery(80);
   hook("s", working);
