@@ -1,44 +1,27 @@
 #include "KestrelControl/Control.h"
 
 #include <cstdio>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "KestrelControl/AgentsCommand.h"
 #include "KestrelControl/HelperCommand.h"
+#include "KestrelControl/KestrelSockets.h"
 #include "KestrelControl/Output.h"
+#include "KestrelControl/RunCommand.h"
 #include "KestrelControl/StatusText.h"
 #include "KestrelControl/UsageCommand.h"
+#include "KestrelControl/WatchCommand.h"
 #include "KestrelCore/Platform/Directories.h"
 #include "KestrelCore/Support/Clock.h"
 #include "KestrelCore/Support/Json.h"
-#include "KestrelCore/Support/UnixSocket.h"
 
 namespace kestrel {
 namespace {
 
-/// At each step; Kestrel answers within milliseconds.
-constexpr double kTimeoutSeconds = 5;
-
 int notRunning() {
   std::fputs("Kestrel is not running.\n", stderr);
   return kControlNotRunning;
-}
-
-/// Asks at the first place where somebody listens.
-SocketExchange exchange(const Directories& directories, const ControlRequest& request) {
-  std::vector<Directories> places{directories};
-  for (const auto& folder : alternativeApplicationSupport(directories)) {
-    places.push_back(directories);
-    places.back().applicationSupport = folder;
-  }
-  SocketExchange result;
-  for (const auto& place : places) {
-    result = exchangeOverSocket(place.controlSocket(), encodeControlRequest(request), kTimeoutSeconds,
-                                ControlReply::kMaximumBytes);
-    if (result.outcome != SocketExchange::Outcome::nobodyListens) break;
-  }
-  return result;
 }
 
 std::string indented(const Json& result) {
@@ -58,13 +41,37 @@ std::string resultText(const ControlRequest& request, const Json& result) {
 
 /// Null when Kestrel does not run, or has no answer.
 Json answerOfKestrel(const Directories& directories, const std::string& command) {
-  const SocketExchange exchanged = exchange(directories, {command, {}});
+  const SocketExchange exchanged = askKestrel(directories, {command, {}});
   if (exchanged.outcome != SocketExchange::Outcome::replied) return nullptr;
   try {
     const ControlReply reply = decodeControlReply(exchanged.reply);
     return reply.ok() ? *reply.result : Json(nullptr);
   } catch (const DecodingError&) {
     return nullptr;
+  }
+}
+
+/// What Kestrel answers, as it is printed. Absent when there is no answer, which has been said; `failure` is
+/// then the exit status.
+std::optional<std::string> answerText(const ControlOptions& options, const Directories& directories,
+                                      int& failure) {
+  const auto fail = [&](int status) {
+    failure = status;
+    return std::nullopt;
+  };
+  const SocketExchange exchanged = askKestrel(directories, options.request);
+  if (exchanged.outcome == SocketExchange::Outcome::nobodyListens) return fail(notRunning());
+  if (exchanged.outcome == SocketExchange::Outcome::failed)
+    return fail(complain("Kestrel does not answer at " + directories.controlSocket().string()));
+  try {
+    const ControlReply reply = decodeControlReply(exchanged.reply);
+    if (!reply.ok()) return fail(complain(printable(reply.error)));
+    if (!options.json) return resultText(options.request, *reply.result);
+    // For programs that follow it, one line each time.
+    return options.watch ? reply.result->dump(-1, ' ', false, Json::error_handler_t::replace) + "\n"
+                         : indented(*reply.result);
+  } catch (const DecodingError& error) {
+    return fail(complain("Kestrel's answer cannot be read: " + std::string(error.what())));
   }
 }
 
@@ -83,20 +90,12 @@ int runControl(const ControlOptions& options, const std::string& ownPath) {
                             [&] { return answerOfKestrel(*directories, "sessions"); });
   }
   if (options.setup) return runSetupCommand(*options.setup, *directories, ownPath);
-  const SocketExchange exchanged = exchange(*directories, options.request);
-  if (exchanged.outcome == SocketExchange::Outcome::nobodyListens) {
-    return notRunning();
-  }
-  if (exchanged.outcome == SocketExchange::Outcome::failed) {
-    return complain("Kestrel does not answer at " + directories->controlSocket().string());
-  }
-  try {
-    const ControlReply reply = decodeControlReply(exchanged.reply);
-    if (!reply.ok()) return complain(printable(reply.error));
-    return print(options.json ? indented(*reply.result) : resultText(options.request, *reply.result));
-  } catch (const DecodingError& error) {
-    return complain("Kestrel's answer cannot be read: " + std::string(error.what()));
-  }
+  if (options.run) return runRunCommand(*options.run, *directories);
+  int failure = kControlDone;
+  const auto text = [&] { return answerText(options, *directories, failure); };
+  if (options.watch) return watch(text) ? kControlFailed : failure;
+  const auto answer = text();
+  return answer ? print(*answer) : failure;
 }
 
 }  // namespace kestrel

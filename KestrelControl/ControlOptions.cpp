@@ -1,7 +1,9 @@
 #include "KestrelControl/ControlOptions.h"
 
 #include <CLI/CLI.hpp>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "KestrelCore/Agents/AgentType.h"
@@ -34,7 +36,8 @@ class Grammar {
     app_.set_version_flag("--version", std::string("kestrelctl ") + kKestrelVersion);
     app_.footer(kFooter);
     app_.require_subcommand(1);
-    command(app_, "status", "What Kestrel does, and why");
+    command(app_, "status", "What Kestrel does, and why")
+        ->add_flag("--watch", options_.watch, "Show it again each second, until interrupted");
     auto* pause = command(app_, "pause", "Let the machine sleep for a while");
     word(pause, "DURATION", "How long")->check(CLI::Validator(durationProblem, ""));
     command(app_, "resume", "End a pause");
@@ -50,6 +53,7 @@ class Grammar {
     addUsage();
     addAgents();
     addHelper();
+    addRun();
   }
 
   CLI::App& app() { return app_; }
@@ -123,6 +127,15 @@ class Grammar {
     }
   }
 
+  /// Its words are the command's own, and never parsed.
+  void addRun() {
+    auto* run = app_.add_subcommand("run", "Run a command, and keep the machine awake while it runs");
+    run->footer(
+        "kestrelctl run [--] COMMAND [ARGUMENTS...]\nIts exit status is the command's, and signals reach "
+        "it.");
+    run->final_callback([] { throw CLI::RequiredError("COMMAND"); });
+  }
+
   ControlOptions& options_;
   HelperOptions helper_;
   UsageOptions usage_;
@@ -132,10 +145,20 @@ class Grammar {
   CLI::App app_{"Asks a running Kestrel what it does, and tells it what to do.", "kestrelctl"};
 };
 
+/// The command after `run`, if that is what is wanted, and not help about it.
+std::optional<RunOptions> commandToRun(const std::vector<std::string>& words) {
+  if (words.size() < 2 || words[0] != "run" || words[1] == "-h" || words[1] == "--help") return std::nullopt;
+  RunOptions run;
+  run.words.assign(words.begin() + (words[1] == "--" ? 2 : 1), words.end());
+  return run.words.empty() ? std::nullopt : std::optional(std::move(run));
+}
+
 }  // namespace
 
 ControlOptions ControlOptions::parse(int argc, const char* const* argv) {
   ControlOptions options;
+  options.run = commandToRun({argv + (argc > 0 ? 1 : 0), argv + argc});
+  if (options.run) return options;
   Grammar grammar(options);
   try {
     grammar.app().parse(argc, argv);

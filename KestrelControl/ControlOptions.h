@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "KestrelCore/Control/ControlProtocol.h"
 
@@ -44,6 +45,12 @@ struct SetupOptions {
   bool json = false;
 };
 
+/// What the machine is to stay awake for.
+struct RunOptions {
+  /// The command and its arguments; never empty.
+  std::vector<std::string> words;
+};
+
 /// What the words on the command line ask for.
 struct ControlOptions {
   ControlRequest request;
@@ -55,6 +62,10 @@ struct ControlOptions {
   std::optional<AgentsOptions> agents;
   /// Present when an agent is to be set up.
   std::optional<SetupOptions> setup;
+  /// Present when a command is to be run.
+  std::optional<RunOptions> run;
+  /// Ask again each second.
+  bool watch = false;
   /// Print the result as JSON.
   bool json = false;
   /// Present when nothing is to be asked: help or the version was printed, or what is wrong with the words.

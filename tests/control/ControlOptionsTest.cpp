@@ -41,7 +41,8 @@ TEST(ControlOptions, WrongWordsAreUsage) {
        {Words{}, Words{"nothing"}, Words{"--unknown"}, Words{"status", "more"}, Words{"status", "--jsn"},
         Words{"pause"}, Words{"pause", "soon"}, Words{"pause", "-5"}, Words{"pause", "5", "6"}, Words{"hold"},
         Words{"hold", "maybe"}, Words{"settings"}, Words{"settings", "get"},
-        Words{"settings", "set", "onlyOnAC"}, Words{"settings", "list", "onlyOnAC"}}) {
+        Words{"settings", "set", "onlyOnAC"}, Words{"settings", "list", "onlyOnAC"}, Words{"run"},
+        Words{"run", "--"}, Words{"sessions", "--watch"}}) {
     testing::internal::CaptureStderr();
     const auto status = parse(words).exitStatus;
     EXPECT_NE(testing::internal::GetCapturedStderr(), "");
