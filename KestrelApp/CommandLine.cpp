@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <string_view>
 
 #include "KestrelCore/Control/StatusReport.h"
@@ -37,6 +38,12 @@ std::optional<std::string> answerToOptions(const std::vector<std::string>& argum
   if (given("-v", "--version")) return "Kestrel " + std::string(kKestrelVersion) + "\n";
   if (given("-h", "--help")) return kHelp;
   return std::nullopt;
+}
+
+bool printAnswerToOptions(const std::vector<std::string>& arguments) {
+  const auto answer = answerToOptions(arguments);
+  if (answer) std::fputs(answer->c_str(), stdout);
+  return answer.has_value();
 }
 
 std::string siblingCommand(const std::string& ownPath, const std::string& name) {

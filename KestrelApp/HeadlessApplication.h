@@ -1,52 +1,38 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "KestrelApp/HeadlessStatusLine.h"
-#include "KestrelCore/AppCoordinator.h"
-#include "KestrelCore/Control/ControlServer.h"
-#include "KestrelCore/Control/ControlService.h"
-#include "KestrelCore/Platform/Platform.h"
-#include "KestrelCore/Power/KestrelWritePolicy.h"
-#include "KestrelCore/Support/AtomicFile.h"
-#include "KestrelCore/Support/InstanceLock.h"
-#include "KestrelCore/Support/TerminationSignals.h"
-#include "KestrelPlatform/PlatformFactory.h"
+#include "KestrelCore/Platform/Directories.h"
+#include "KestrelCore/Platform/LogSink.h"
+#include "KestrelCore/Support/Clock.h"
+#include "KestrelCore/Support/UniqueDescriptor.h"
 
 namespace kestrel {
 
-/// Kestrel without a display: a status line on standard output, until a signal ends it. Members stand in the
-/// order in which they are built and, backwards, released.
+class SoleInstance;
+
+/// Kestrel without a display: a status line on standard output, until a signal ends it.
 class HeadlessApplication {
  public:
   HeadlessApplication(Directories directories, std::string ownPath);
   ~HeadlessApplication();
 
+  /// Before `run()`: it takes the place of an application with windows whose display was lost. Goes on with
+  /// the sessions in the pipe, and makes room when Kestrel is started again.
+  void standIn(UniqueDescriptor sessions);
   /// The whole life of the program; returns its exit status.
   int run();
 
  private:
-  int runAsOnlyInstance();
-  int deferToRunningInstance();
-  /// At a signal: releases everything, then ends the loop.
-  void end();
   void printHints() const;
 
-  const Directories directories_;
   const std::string ownPath_;
   const std::shared_ptr<const Clock> clock_;
   const std::shared_ptr<HeadlessStatusLine> statusLine_;
-  const std::shared_ptr<LogSink> logSink_;
-  const std::shared_ptr<const KestrelWritePolicy> writePolicy_;
-  const std::shared_ptr<const AtomicFileWriter> files_;
-  const std::unique_ptr<MainLoop> loop_;
-  const TerminationSignals signals_;
-  InstanceLock lock_;
-  /// While it is started; owned by `runAsOnlyInstance`.
-  AppCoordinator* coordinator_ = nullptr;
-  RegistrationPtr deadline_;
+  const std::unique_ptr<SoleInstance> instance_;
+  bool standsIn_ = false;
 };
 
 }  // namespace kestrel

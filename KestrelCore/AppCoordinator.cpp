@@ -86,6 +86,9 @@ AppCoordinator::AppCoordinator(const Context& context)
       diagnostics_({context.platform.osVersion, context.platform.assertionSummaryCommand,
                     context.directories.home.string()},
                    context.clock),
+      files_(std::make_shared<const AtomicFileWriter>(context.writePolicy, Logger(context.logSink, "files"))),
+      timeline_(TimelineRecorder::defaultFile(context.directories), files_,
+                Logger(context.logSink, "timeline")),
       currentDecision_(initialDecision()),
       previousDecision_(initialDecision()) {}
 
@@ -127,6 +130,7 @@ std::function<void()> AppCoordinator::evaluationRequest() {
 void AppCoordinator::start() {
   logger_.info("Starting Kestrel AppCoordinator...");
   isStopped_ = false;
+  timeline_.load(clock_->now());
   notifications_.requestAuthorization();
   batteryMonitor_->start();
   thermalMonitor_->start();
@@ -160,6 +164,7 @@ void AppCoordinator::startHookReceiver() {
 void AppCoordinator::stop(std::function<void()> onReleased) {
   isStopped_ = true;
   evalTimer_.reset();
+  timeline_.stop(clock_->now());
   usage_.stop();
   hookReceiver_->stop();
   batteryMonitor_->stop();
@@ -210,6 +215,7 @@ void AppCoordinator::evaluate() {
   currentDecision_.set(decision);
   handleDecisionTransition(previousDecision_, decision);
   previousDecision_ = decision;
+  timeline_.record(decision, context.now);
   hold_.set(holdStatus(protectionStartedAt_.get(), holdEvidence()));
   renderSurfaces(context);
   evaluated_();

@@ -24,7 +24,9 @@
 #include "KestrelCore/Presentation/AgentFamilyPresentation.h"
 #include "KestrelCore/Presentation/KestrelDisplayState.h"
 #include "KestrelCore/Presentation/StatusSurface.h"
+#include "KestrelCore/Presentation/TimelineRecorder.h"
 #include "KestrelCore/Settings/SettingsStore.h"
+#include "KestrelCore/Support/AtomicFile.h"
 #include "KestrelCore/Support/Clock.h"
 #include "KestrelCore/Support/Executor.h"
 #include "KestrelCore/Support/Logger.h"
@@ -90,6 +92,8 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   [[nodiscard]] const KestrelDisplayState& displayState() const { return displayState_; }
   /// Shows the surface the state of the moment, and from now on that after each evaluation.
   void addSurface(std::shared_ptr<StatusSurface> surface);
+  /// What was decided during the last day; each evaluation adds to it.
+  [[nodiscard]] const Timeline& timeline() const { return timeline_.timeline(); }
   /// What the system says of the current hold.
   [[nodiscard]] const Published<HoldStatus>& hold() const { return hold_; }
   /// What the privileged helper last said; absent until it was asked for the first time.
@@ -116,6 +120,9 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   [[nodiscard]] const HookEventReceiver& hookReceiver() const { return *hookReceiver_; }
   [[nodiscard]] Platform& platform() { return platform_; }
   [[nodiscard]] const Directories& directories() const { return directories_; }
+  [[nodiscard]] const std::shared_ptr<const AtomicFileWriter>& files() const { return files_; }
+  /// Whether the system lets Kestrel hear its shortcut.
+  [[nodiscard]] bool hearsShortcut() const { return shortcutController_.isMonitoring(); }
   [[nodiscard]] AgentStateCoordinator& agentCoordinator() { return *agentCoordinator_; }
 
  private:
@@ -157,6 +164,8 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   GlobalShortcutController shortcutController_;
   LaunchAtLoginController launchAtLogin_;
   const DiagnosticsExporter diagnostics_;
+  const std::shared_ptr<const AtomicFileWriter> files_;
+  TimelineRecorder timeline_;
 
   Published<WakeDecision> currentDecision_;
   Published<std::optional<Date>> protectionStartedAt_;

@@ -103,8 +103,11 @@ void UsageCoordinator::refreshBudgetReports() {
 }
 
 void UsageCoordinator::readSummaries() {
-  onMain([this, today = store().todaySummary(), sessions = store().recentSessions(kRecentSessions)] {
+  onMain([this, today = store().todaySummary(), series = store().series(),
+          sessions = store().recentSessions(kRecentSessions)] {
     todaySummary_.set(today);
+    tokensByHour_.set(series.hours());
+    tokensByDay_.set(series.days());
     recentSessions_.set(sessions);
   });
 }
@@ -133,13 +136,22 @@ void UsageCoordinator::publishReports(const Reports& reports) {
 void UsageCoordinator::resetUsageData() {
   tasks_.post([this] {
     store().resetStore();
-    onMain([this] {
+    onMain([this, series = store().series()] {
       todaySummary_.set(UsageSummary());
+      tokensByHour_.set(series.hours());
+      tokensByDay_.set(series.days());
       recentSessions_.set({});
       lowBudgetAlerts_.set({});
       latestBudgetReports_.set({});
       logger_.info("UsageCoordinator telemetry data reset.");
     });
+  });
+}
+
+void UsageCoordinator::requestSessions(std::size_t limit, std::function<void(SharedSessions)> done) {
+  tasks_.post([this, limit, done = std::move(done)] {
+    auto sessions = std::make_shared<const std::vector<SessionUsageRecord>>(store().recentSessions(limit));
+    onMain([done, sessions = std::move(sessions)] { done(sessions); });
   });
 }
 

@@ -22,9 +22,9 @@
 namespace kestrel {
 
 /// The one object that the rest asks about usage: feeds the store from the agents' records and from hooks,
-/// and publishes today's sum, the recent sessions, each agent's latest report and what is running low. The
-/// published values belong to the main thread, everything slow to a queue of its own, and the other functions
-/// to any thread.
+/// and publishes today's sum, its hours and the days before, the recent sessions, each agent's latest report
+/// and what is running low. The published values belong to the main thread, everything slow to a queue of its
+/// own, and the other functions to any thread.
 class UsageCoordinator final {
  public:
   using Providers = std::vector<std::unique_ptr<UsageMetricsProvider>>;
@@ -39,6 +39,8 @@ class UsageCoordinator final {
   };
   using Reports = std::map<AgentType, ProviderBudgetReport>;
   using Alerts = std::map<AgentType, LowBudgetAlert>;
+
+  using SharedSessions = std::shared_ptr<const std::vector<SessionUsageRecord>>;
 
   static constexpr std::size_t kRecentSessions = 25;
 
@@ -64,6 +66,9 @@ class UsageCoordinator final {
   void refreshBudgetReports();
   /// Forgets everything that was recorded.
   void resetUsageData();
+  /// Hands the last active sessions, the latest first and at most so many, to the callback, on the main
+  /// thread.
+  void requestSessions(std::size_t limit, std::function<void(SharedSessions)> done);
   /// Hands the store's export to the callback, on the main thread.
   void exportPrivacySafeJSON(std::function<void(const std::string&)> done);
 
@@ -72,6 +77,10 @@ class UsageCoordinator final {
   [[nodiscard]] const Published<std::vector<SessionUsageRecord>>& recentSessions() const {
     return recentSessions_;
   }
+  /// Of today.
+  [[nodiscard]] const Published<HourlyTokens>& tokensByHour() const { return tokensByHour_; }
+  /// UsageSeries::kDays days, today last; empty until the store was loaded.
+  [[nodiscard]] const Published<std::vector<DayTokens>>& tokensByDay() const { return tokensByDay_; }
   [[nodiscard]] const Published<Reports>& latestBudgetReports() const { return latestBudgetReports_; }
   [[nodiscard]] const Published<Alerts>& lowBudgetAlerts() const { return lowBudgetAlerts_; }
   [[nodiscard]] std::optional<ProviderBudgetReport> budgetReport(AgentType agent) const;
@@ -97,6 +106,8 @@ class UsageCoordinator final {
   // Main thread.
   Published<std::optional<UsageSummary>> todaySummary_;
   Published<std::vector<SessionUsageRecord>> recentSessions_;
+  Published<HourlyTokens> tokensByHour_;
+  Published<std::vector<DayTokens>> tokensByDay_;
   Published<Reports> latestBudgetReports_;
   Published<Alerts> lowBudgetAlerts_;
   const std::shared_ptr<int> alive_ = std::make_shared<int>();

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "KestrelCore/Platform/HelperPlatform.h"
 #include "KestrelCore/Platform/Platform.h"
@@ -51,5 +54,40 @@ class MainLoop {
 };
 
 std::unique_ptr<MainLoop> makeMainLoop();
+
+/// Whether somebody may be looking: false when no window can be opened here. That one is announced does not
+/// mean that it can be reached.
+bool mayHaveDisplay();
+
+/// How this system treats status icons and those who have one.
+struct DesktopTraits {
+  /// The system tints the icon itself: only its shape counts.
+  bool tintsIcons = false;
+  /// The icon's menu is the host's to open; elsewhere we open it ourselves at a right click.
+  bool hostOpensMenu = true;
+};
+DesktopTraits desktopTraits();
+
+/// Keeps the application out of docks and switchers, once it exists. Main thread; nothing where that is for
+/// windows to ask.
+void becomeAccessory();
+
+/// What shows status icons: a panel, a bar. It may come late, go, and come again. Main thread.
+class TrayHost {
+ public:
+  virtual ~TrayHost() = default;
+  /// 0 while there is none; each host that comes has another number.
+  [[nodiscard]] virtual unsigned present() const = 0;
+  /// Calls back when `present()` changed.
+  [[nodiscard]] virtual RegistrationPtr observe(std::function<void()> onChange) = 0;
+};
+
+/// `onX11`: whether the application's windows are on an X display, where icons may also be embedded. The
+/// executor outlives it.
+std::unique_ptr<TrayHost> makeTrayHost(Executor& executor, std::shared_ptr<LogSink> logSink, bool onX11);
+
+/// Another of Kestrel's executables, beside this one or where an installation keeps it. Absent when it is not
+/// there, and where the application is one bundle.
+std::optional<std::filesystem::path> companionProgram(const std::string& name);
 
 }  // namespace kestrel

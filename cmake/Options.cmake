@@ -1,4 +1,6 @@
 option(KESTREL_BENCH "Build the benchmarks" OFF)
+# Not yet in the checks: it is being built.
+option(KESTREL_DESKTOP "Build the application with windows (needs Qt 6)" OFF)
 option(KESTREL_FUZZ "Build the fuzz targets (needs clang)" OFF)
 set(KESTREL_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, 'address,undefined' or 'thread'")
 

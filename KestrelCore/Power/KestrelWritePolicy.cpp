@@ -83,10 +83,10 @@ KestrelWritePolicy::KestrelWritePolicy(const Directories& directories, std::shar
   rules_.preferences = lexical(directories.preferences);
 }
 
-KestrelWritePolicy::Verdict KestrelWritePolicy::Rules::judge(const std::string& path) const {
+KestrelWritePolicy::Verdict KestrelWritePolicy::Rules::judge(const std::string& path, bool isChosen) const {
   if (path.empty()) return Verdict::outside;
   if (startsWithAny(path, prohibited)) return Verdict::prohibited;
-  if (startsWithAny(path, roots)) return Verdict::allowed;
+  if (isChosen || startsWithAny(path, roots)) return Verdict::allowed;
   const bool ownPreference = path.starts_with(preferences) && path.find("com.kestrel") != std::string::npos;
   return ownPreference ? Verdict::allowed : Verdict::outside;
 }
@@ -103,16 +103,25 @@ KestrelWritePolicy::Rules KestrelWritePolicy::resolvedRules() const {
   return rules;
 }
 
-bool KestrelWritePolicy::mayWrite(const std::filesystem::path& path) const {
+KestrelWritePolicy::Verdict KestrelWritePolicy::judge(const std::filesystem::path& path,
+                                                      bool isChosen) const {
   const std::string spelled = lexical(path);
-  Verdict verdict = rules_.judge(spelled);
-  if (verdict == Verdict::allowed) verdict = resolvedRules().judge(resolved(path));
+  Verdict verdict = rules_.judge(spelled, isChosen);
+  if (verdict == Verdict::allowed) verdict = resolvedRules().judge(resolved(path), isChosen);
   if (verdict == Verdict::prohibited) {
     logger_.error("Blocked write attempt to prohibited path: {}", spelled);
   } else if (verdict == Verdict::outside) {
     logger_.error("Disallowed write to non-whitelisted path: {}", spelled);
   }
-  return verdict == Verdict::allowed;
+  return verdict;
+}
+
+bool KestrelWritePolicy::mayWrite(const std::filesystem::path& path) const {
+  return judge(path, false) == Verdict::allowed;
+}
+
+bool KestrelWritePolicy::mayWriteChosen(const std::filesystem::path& chosen) const {
+  return judge(chosen, true) == Verdict::allowed;
 }
 
 void KestrelWritePolicy::assertCanWrite(const std::filesystem::path& path) const {

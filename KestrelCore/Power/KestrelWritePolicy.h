@@ -38,6 +38,9 @@ class KestrelWritePolicy {
 
   /// Logs each refusal with the path as it was spelled.
   [[nodiscard]] bool mayWrite(const std::filesystem::path& path) const;
+  /// For the exact file that a person chose in a save dialog of this process, and for one write: everything
+  /// but other tools' configuration. Logs like `mayWrite`.
+  [[nodiscard]] bool mayWriteChosen(const std::filesystem::path& chosen) const;
   /// Throws KestrelWriteSecurityError when `mayWrite` is false.
   void assertCanWrite(const std::filesystem::path& path) const;
 
@@ -47,9 +50,11 @@ class KestrelWritePolicy {
     std::vector<std::string> prohibited;
     std::vector<std::string> roots;
     std::string preferences;
-    [[nodiscard]] Verdict judge(const std::string& path) const;
+    /// `isChosen`: the path is a root of its own.
+    [[nodiscard]] Verdict judge(const std::string& path, bool isChosen) const;
   };
   [[nodiscard]] Rules resolvedRules() const;
+  [[nodiscard]] Verdict judge(const std::filesystem::path& path, bool isChosen) const;
 
   Rules rules_;
   Logger logger_;

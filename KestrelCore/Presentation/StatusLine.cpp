@@ -64,8 +64,9 @@ std::string withObstacles(const std::string& text, const HoldStatus& hold) {
   return why.empty() ? text : text + ": " + why;
 }
 
-/// Without "(30s)".
-std::string withoutSeconds(std::string text) {
+}  // namespace
+
+std::string withoutCountdown(std::string text) {
   for (std::size_t open = text.find(" ("); open != std::string::npos; open = text.find(" (", open + 1)) {
     const std::size_t end = text.find_first_not_of("0123456789", open + 2);
     if (end == open + 2 || text.compare(std::min(end, text.size()), 2, "s)") != 0) continue;
@@ -73,8 +74,6 @@ std::string withoutSeconds(std::string text) {
   }
   return text;
 }
-
-}  // namespace
 
 std::string describeHold(const HoldStatus& hold) {
   switch (hold.state) {
@@ -94,7 +93,7 @@ StatusLine statusLine(const WakeDecision& decision, const HoldStatus& hold) {
   const std::string description = decision.statusDescription();
   const std::string inWords = describeHold(hold);
   const std::string suffix = inWords.empty() ? "" : " · " + inWords;
-  return {description + suffix, withoutSeconds(description) + suffix};
+  return {description + suffix, withoutCountdown(description) + suffix};
 }
 
 }  // namespace kestrel

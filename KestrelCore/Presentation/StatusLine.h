@@ -19,6 +19,9 @@ struct StatusLine {
 /// The decision, and how far the system is seen to follow it: "Active (…) — … · in force (login manager)".
 StatusLine statusLine(const WakeDecision& decision, const HoldStatus& hold);
 
+/// A reason without the seconds that it counts down: "Release debounce (30s)".
+std::string withoutCountdown(std::string text);
+
 /// "in force (login manager)", "wanted: login manager is not running", "lost, taking it again: …"; empty
 /// without a hold.
 std::string describeHold(const HoldStatus& hold);

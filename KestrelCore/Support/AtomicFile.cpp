@@ -106,6 +106,18 @@ bool AtomicFileWriter::write(const path& path, std::string_view content, Durabil
   return !failed;
 }
 
+FileFailure AtomicFileWriter::writeChosen(const path& chosen, std::string_view content) const {
+  FileFailure failed;
+  if (!policy_->mayWriteChosen(chosen)) {
+    failed = fmt::format("Cannot write {}: it belongs to another program's settings", chosen.string());
+  } else {
+    failed = replaceAllowed(
+        chosen, [&](const auto& append) { append(content); }, {}, Durability::machine);
+  }
+  if (failed) logger_.error("{}", *failed);
+  return failed;
+}
+
 FileFailure AtomicFileWriter::replace(const path& path, const ContentProducer& produce,
                                       const std::string& keptSuffix) const {
   if (auto refused = refusal(path)) return refused;

@@ -58,6 +58,9 @@ class AtomicFileWriter {
   /// Replaces the file's content; a symbolic link is followed, and its target replaced.
   [[nodiscard]] bool write(const std::filesystem::path& path, std::string_view content,
                            Durability durability = Durability::machine) const;
+  /// The same for the exact file that a person has just chosen in a save dialog, for this one write, wherever
+  /// it is but in other tools' configuration.
+  [[nodiscard]] FileFailure writeChosen(const std::filesystem::path& chosen, std::string_view content) const;
   /// Creates an empty file unless there is one.
   [[nodiscard]] bool createIfMissing(const std::filesystem::path& path) const;
   /// Renames within a folder, replacing what stands at the new name.

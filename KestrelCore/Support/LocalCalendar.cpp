@@ -59,4 +59,26 @@ std::string SystemLocalCalendar::dayName(Date date) const {
   return text;
 }
 
+std::string SystemLocalCalendar::timeOfDay(Date date) const {
+  ::tzset();
+  const std::tm local = localTime(wholeSeconds(date));
+  char text[24];
+  std::snprintf(text, sizeof text, "%02d:%02d", local.tm_hour, local.tm_min);
+  return text;
+}
+
+std::vector<LocalHour> SystemLocalCalendar::hoursOfDay(Date date) const {
+  // Every time zone's offset, and every change of one, is a multiple of this.
+  constexpr std::time_t kStep = 15 * 60;
+  const Date start = startOfDay(date);
+  std::time_t time = wholeSeconds(start);
+  const std::tm first = localTime(time);
+  std::vector<LocalHour> hours{{start, first.tm_hour}};
+  for (std::tm local = first; dayOf(local) == dayOf(first); local = localTime(time += kStep)) {
+    if (local.tm_hour == hours.back().hour) continue;
+    hours.push_back({Date::since1970(static_cast<double>(time)), local.tm_hour});
+  }
+  return hours;
+}
+
 }  // namespace kestrel

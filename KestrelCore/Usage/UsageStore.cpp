@@ -66,6 +66,7 @@ bool UsageStore::accept(const UsageEvent& event) {
   }
   if (outcome != UsageLedger::Outcome::added) return false;
   if (todayStartsAt_ && event.timestamp >= *todayStartsAt_ && !todaySums_.add(event)) todayStartsAt_.reset();
+  series_.add(event);
   return true;
 }
 
@@ -73,6 +74,7 @@ void UsageStore::resetStore() {
   const LockGuard lock(mutex_);
   ledger_ = UsageLedger();
   todayStartsAt_.reset();
+  series_ = UsageSeries();
   storage_.saveReset(ledger_);
   logger_.info("UsageStore reset completed.");
 }
@@ -94,6 +96,21 @@ UsageSummary UsageStore::today() {
     todayStartsAt_ = start;
   }
   return todaySums_.summary();
+}
+
+UsageSeries UsageStore::series() {
+  const LockGuard lock(mutex_);
+  auto bounds = UsageSeries::Bounds::of(*calendar_, clock_->now());
+  if (series_.bounds() == bounds) return series_;
+  series_ = UsageSeries(std::move(bounds));
+  const UsageRows& rows = ledger_.rows();
+  UsageEvent event;
+  for (auto row = rows.eventFrom(0); row; row = rows.eventFrom(rows.after(*row))) {
+    if (!series_.covers(rows.timestamp(*row))) continue;
+    rows.read(*row, event);
+    series_.add(event);
+  }
+  return series_;
 }
 
 UsageSummary UsageStore::summary(Date from, Date to) const {

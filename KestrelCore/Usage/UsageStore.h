@@ -18,6 +18,7 @@
 #include "KestrelCore/Usage/SessionUsageRecord.h"
 #include "KestrelCore/Usage/UsageEvent.h"
 #include "KestrelCore/Usage/UsageLedger.h"
+#include "KestrelCore/Usage/UsageSeries.h"
 #include "KestrelCore/Usage/UsageStorage.h"
 #include "KestrelCore/Usage/UsageSummary.h"
 #include "KestrelCore/Usage/UsageSummaryBuilder.h"
@@ -71,6 +72,9 @@ class UsageStore {
   /// From the start of the current calendar day on. Costs a walk over all events only on the first call of a
   /// day, or after a change of the clock or the time zone.
   [[nodiscard]] UsageSummary todaySummary();
+  /// The sums of today by hour and of the last days, in the time zone of the moment. Costs a walk over all
+  /// events as todaySummary() does.
+  [[nodiscard]] UsageSeries series();
   /// Both ends included.
   [[nodiscard]] UsageSummary summary(Date from, Date to) const;
   /// The last so many calendar days, today (and all that lies ahead) first, days without events too. At most
@@ -103,6 +107,7 @@ class UsageStore {
   /// The running sums of the day that starts then; absent until they are asked for.
   std::optional<Date> todayStartsAt_ KESTREL_GUARDED_BY(mutex_);
   UsageSummaryBuilder todaySums_ KESTREL_GUARDED_BY(mutex_);
+  UsageSeries series_ KESTREL_GUARDED_BY(mutex_);
 };
 
 }  // namespace kestrel

@@ -34,9 +34,12 @@ Platform makePlatform(const PlatformContext& context) {
       std::make_unique<JsonFileDefaults>(context.directories.settingsFile(), context.mainExecutor,
                                          context.files, context.clock, Logger(sink, "settings"));
   platform.peerIdentity = makePeerIdentity();
-  const std::filesystem::path program = ownProgram();
+  // Not the desktop's own executable: this one chooses the front end at each start.
+  const std::filesystem::path program = companionProgram("kestrel").value_or(ownProgram());
   platform.notifications = makeLinuxUserNotifications(context.mainExecutor, sink);
-  platform.chime = makeLinuxChime(context.mainExecutor, sink, program.parent_path() / "kestrel-chime");
+  platform.chime =
+      makeLinuxChime(context.mainExecutor, sink,
+                     companionProgram("kestrel-chime").value_or(program.parent_path() / "kestrel-chime"));
   platform.keyMonitor = makeLinuxGlobalKeyMonitor(context.mainExecutor, sink);
   platform.loginItem =
       makeLinuxLoginItem(autostartEntry(context.directories.preferences), program, context.files);

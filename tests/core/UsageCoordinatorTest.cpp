@@ -1,14 +1,14 @@
 #include <functional>
 #include <gmock/gmock.h>
 #include <memory>
-#include <thread>
+#include <numeric>
 #include <utility>
 
+#include "tests/core/Soon.h"
 #include "tests/core/TestSupport.h"
 
 #include "KestrelCore/Usage/HookUsage.h"
 #include "KestrelCore/UsageCoordinator.h"
-#include "KestrelPlatform/Simulated/ManualExecutor.h"
 
 namespace kestrel {
 namespace {
@@ -35,14 +35,7 @@ struct ScriptedProvider final : UsageMetricsProvider {
 
 class UsageCoordinatorTest : public testing::Test {
  protected:
-  /// Runs what the queue brings to the main thread, until the condition holds.
-  bool soon(const std::function<bool()>& condition) {
-    for (int i = 0; i < 5'000 && !condition(); ++i) {
-      main_.runPending();
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return condition();
-  }
+  bool soon(const std::function<bool()>& condition) { return kestrel::soon(main_, condition); }
   std::int64_t tokensToday() const {
     const auto& today = usage_->todaySummary().get();
     return today ? today->totalTokens : -1;
@@ -103,6 +96,13 @@ TEST_F(UsageCoordinatorTest, PublishesWhatReadersAndHooksReport) {
   usage_->handleHookEvent(next);
   ASSERT_TRUE(soon([&] { return tokensToday() == 180'007; }));
   EXPECT_EQ(usage_->todaySummary().get()->turnCount, 2);
+  const auto& hours = usage_->tokensByHour().get();
+  EXPECT_EQ(std::accumulate(hours.begin(), hours.end(), std::int64_t{0}), 180'007);
+  EXPECT_EQ(usage_->tokensByDay().get().back().totalTokens, 180'007);
+  UsageCoordinator::SharedSessions sessions;
+  usage_->requestSessions(10, [&](auto given) { sessions = std::move(given); });
+  ASSERT_TRUE(soon([&] { return sessions != nullptr; }));
+  EXPECT_EQ(*sessions, usage_->recentSessions().get());
   const auto report = usage_->budgetReport(AgentType::claude);
   ASSERT_TRUE(report);
   EXPECT_EQ(report->actionableSummaryLine(), "20k context left · 10% remaining · $2.70 est.");
@@ -112,6 +112,7 @@ TEST_F(UsageCoordinatorTest, PublishesWhatReadersAndHooksReport) {
   ASSERT_TRUE(soon([&] { return usage_->latestBudgetReports().get().empty(); }));
   EXPECT_EQ(usage_->todaySummary().get(), UsageSummary());
   EXPECT_TRUE(usage_->recentSessions().get().empty());
+  EXPECT_EQ(usage_->tokensByDay().get().back().totalTokens, 0);
 }
 
 TEST_F(UsageCoordinatorTest, WhatWasRecordedIsThereAfterTheEnd) {

@@ -2,7 +2,11 @@
 #include <gmock/gmock.h>
 #include <string>
 
+#include "tests/core/Soon.h"
 #include "tests/core/TestSupport.h"
+
+#include "KestrelCore/Presentation/ExportToFile.h"
+#include "KestrelCore/UsageCoordinator.h"
 
 namespace kestrel {
 namespace {
@@ -107,6 +111,36 @@ TEST_F(WritePolicyTest, WorksForFoldersReachedThroughLinks) {
   fs::create_directories(own_);
   fs::create_symlink(home_ / ".ssh", own_ / "keys");
   EXPECT_EQ(judge(linked.applicationSupport / "Kestrel/keys/config", &policy), Verdict::prohibited);
+}
+
+TEST_F(WritePolicyTest, AdmitsTheFileThatAPersonChoseForOneWrite) {
+  ManualExecutor main(world_.clock);
+  const auto files = std::make_shared<const AtomicFileWriter>(world_.policy, Logger(world_.sink, "files"));
+  ExportToFile exporter(files, main);
+  std::optional<ExportToFile::Result> result;
+  const auto keep = [&](const ExportToFile::Result& given) { result = given; };
+  const auto write = [&](const fs::path& path) {
+    result.reset();
+    exporter.write(path, "x", keep);
+    return soon(main, [&] { return result.has_value(); }) && result->isWritten;
+  };
+  const fs::path chosen = home_ / "Documents/usage.json";
+  EXPECT_TRUE(write(chosen));
+  EXPECT_EQ(readWholeFile(chosen, 10), "x");
+  EXPECT_FALSE(files->write(chosen, "y")) << "chosen for one write only";
+  fs::create_directories(home_ / ".claude");
+  fs::create_symlink(home_ / ".claude/settings.json", home_ / "link.json");
+  writeFixture(home_ / "file", "");
+  for (const fs::path& path : {home_ / ".claude/settings.json", home_ / "link.json", home_ / "a/../.ssh/id",
+                               home_ / "file/usage.json", home_ / "Documents", fs::path()}) {
+    EXPECT_FALSE(write(path)) << path;
+    EXPECT_THAT(result->text, testing::StartsWith("Nothing was saved. Cannot write "));
+  }
+  UsageCoordinator usage(usersOwnUsage(main, world_.directories(), files, world_.clock, world_.sink));
+  result.reset();
+  exporter.writeUsage(chosen, usage, keep);
+  EXPECT_TRUE(soon(main, [&] { return result.has_value(); }));
+  EXPECT_THAT(readWholeFile(chosen, 10'000).value_or(""), testing::HasSubstr("\"eventCount\": 0"));
 }
 
 }  // namespace
