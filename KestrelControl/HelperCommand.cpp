@@ -151,11 +151,10 @@ int runHelperCommand(const HelperOptions& options, const Directories& directorie
   if (options.verb == "status") return showStatus(directories, options.json);
   if (const std::string problem = obstacle(options); !problem.empty()) return complain(problem);
   const HelperPlace place = placeOf(directories, !options.forThisUser);
-  HelperInstallation installation{!options.forThisUser, directories, {}};
-  if (options.verb == "uninstall") return uninstall(installation, place);
   const auto helper = siblingProgram(ownPath, "kestrel-helper", "../libexec/kestrel");
+  const HelperInstallation installation{!options.forThisUser, directories, helper.value_or(fs::path())};
+  if (options.verb == "uninstall") return uninstall(installation, place);
   if (!helper && !installation.isPackaged()) return complain("there is no kestrel-helper beside kestrelctl");
-  installation.helper = helper.value_or(fs::path());
   return install(installation, place);
 }
 

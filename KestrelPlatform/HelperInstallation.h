@@ -15,7 +15,7 @@ struct HelperInstallation {
   /// user.
   bool forWholeMachine = false;
   Directories directories;
-  /// The helper's executable to install.
+  /// The helper's executable to install; empty where there is none.
   std::filesystem::path helper;
 
   struct Step {

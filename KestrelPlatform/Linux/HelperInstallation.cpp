@@ -1,5 +1,6 @@
 #include "KestrelPlatform/HelperInstallation.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <system_error>
 
@@ -15,6 +16,8 @@ constexpr const char* kService = "kestrel-helper.service";
 /// Root runs nothing from a folder that somebody else can write.
 constexpr const char* kSystemExecutable = "/usr/local/libexec/kestrel/kestrel-helper";
 constexpr const char* kSystemService = "/etc/systemd/system/kestrel-helper.service";
+/// Where a package, or an installation below a prefix, puts units so that the service manager finds them.
+constexpr const char* kPackagedUnits[] = {"/usr/lib/systemd", "/usr/local/lib/systemd"};
 
 struct Places {
   fs::path executable;
@@ -35,6 +38,33 @@ HelperInstallation::Step systemctl(const HelperInstallation& installation, std::
   return {std::move(command), mayFail};
 }
 
+bool isThere(const fs::path& path) {
+  std::error_code error;
+  return fs::exists(path, error);
+}
+
+/// An installation below a prefix may have put the helper where it would be copied to.
+bool isInPlace(const HelperInstallation& installation) {
+  std::error_code error;
+  return fs::equivalent(installation.helper, placesOf(installation).executable, error);
+}
+
+/// Copied to the machine before there was a package. The service manager would prefer it.
+bool isCopied(const HelperInstallation& installation) {
+  const Places places = placesOf(installation);
+  return !isInPlace(installation) && isThere(places.service) && isThere(places.executable);
+}
+
+void addRemoval(Steps& steps, const HelperInstallation& installation) {
+  const Places places = placesOf(installation);
+  steps.push_back({{"rm", "-f", places.service}});
+  if (!isInPlace(installation)) {
+    steps.push_back({{"rm", "-f", places.executable}});
+    steps.push_back({{"rmdir", "--ignore-fail-on-non-empty", places.executable.parent_path()}, true});
+  }
+  steps.push_back(systemctl(installation, {"daemon-reload"}, true));
+}
+
 }  // namespace
 
 /// An active local user may take the lid's inhibitor without root.
@@ -43,9 +73,9 @@ bool HelperInstallation::servesSingleUsers() {
 }
 
 bool HelperInstallation::isPackaged() const {
-  const char* folder = forWholeMachine ? "system" : "user";
-  std::error_code error;
-  return fs::exists(fs::path("/usr/lib/systemd") / folder / kService, error);
+  const char* manager = forWholeMachine ? "system" : "user";
+  return std::ranges::any_of(
+      kPackagedUnits, [&](const char* folder) { return isThere(fs::path(folder) / manager / kService); });
 }
 
 std::string HelperInstallation::serviceText() const {
@@ -57,9 +87,11 @@ Steps HelperInstallation::installSteps(const fs::path& serviceFile) const {
   Steps steps;
   if (!isPackaged()) {
     const Places places = placesOf(*this);
-    steps.push_back({{"install", "-D", "-m", "0755", helper, places.executable}});
+    if (!isInPlace(*this)) steps.push_back({{"install", "-D", "-m", "0755", helper, places.executable}});
     steps.push_back({{"install", "-D", "-m", "0644", serviceFile, places.service}});
     steps.push_back(systemctl(*this, {"daemon-reload"}));
+  } else if (isCopied(*this)) {
+    addRemoval(steps, *this);
   }
   steps.push_back(systemctl(*this, {"enable", kService}));
   // One that runs already may be of an earlier version.
@@ -69,11 +101,7 @@ Steps HelperInstallation::installSteps(const fs::path& serviceFile) const {
 
 Steps HelperInstallation::uninstallSteps() const {
   Steps steps{systemctl(*this, {"disable", "--now", kService}, true)};
-  if (isPackaged()) return steps;
-  const Places places = placesOf(*this);
-  steps.push_back({{"rm", "-f", places.service, places.executable}});
-  steps.push_back({{"rmdir", "--ignore-fail-on-non-empty", places.executable.parent_path()}, true});
-  steps.push_back(systemctl(*this, {"daemon-reload"}, true));
+  if (!isPackaged() || isCopied(*this)) addRemoval(steps, *this);
   return steps;
 }
 

@@ -5,6 +5,7 @@ services_enter "$0" "$@"
 . "$(dirname "${BASH_SOURCE[0]}")/kestrel.sh"
 
 unit=/etc/systemd/system/kestrel-helper.service
+packaged=/usr/local/lib/systemd/system/kestrel-helper.service
 executable=/usr/local/libexec/kestrel/kestrel-helper
 mount -t tmpfs tmpfs /usr/local || services_skip 'a private /usr/local is refused here'
 mount -t tmpfs tmpfs /etc/systemd/system || services_skip 'private units are refused here'
@@ -15,7 +16,7 @@ echo "\$*" >>"$SERVICES_DIR/systemctl.calls"
 case \$1 in
   restart)
     [ ! -e "$SERVICES_DIR/broken" ] || { echo "Job for \$2 failed."; exit 1; }
-    \$(sed -n 's/^ExecStart=//p' $unit) >>"$SERVICES_DIR/helper.log" 2>&1 &
+    \$(sed -n 's/^ExecStart=//p' $unit $packaged 2>/dev/null) >>"$SERVICES_DIR/helper.log" 2>&1 &
     ;;
 esac
 SCRIPT
@@ -53,5 +54,25 @@ touch "$SERVICES_DIR/broken"
 said=$(ctl helper install 2>&1) && fail 'installed although the service did not start'
 has 'the reason' 'Job for kestrel-helper.service failed.' "$said"
 has 'the outcome' 'the helper is not installed' "$said"
+rm -f "$SERVICES_DIR/broken" "$SERVICES_DIR/systemctl.calls"
+
+begin 'a package brought it: its service, and what was copied earlier goes'
+mkdir -p "${packaged%/*}"
+echo "ExecStart=$SERVICES_BIN/kestrel-helper" >"$packaged"
+said=$(ctl helper install) || fail "install: $said"
+same 'the service manager' 'daemon-reload;enable kestrel-helper.service;restart kestrel-helper.service' "$(calls)"
+has 'ready' 'Whole machine: ready' "$(ctl helper status)"
+said=$(ctl helper uninstall) || fail "uninstall: $said"
+has 'the outcome' 'its package can be removed' "$said"
+same 'the service manager' 'disable --now kestrel-helper.service' "$(calls)"
+same 'what is left' "$packaged" "$(find /usr/local /etc/systemd/system /run/kestrel* -not -type d 2>/dev/null)"
+
+begin 'an installation below /usr/local has it in place'
+rm "$packaged"
+install -D "$SERVICES_BIN/kestrelctl" /usr/local/bin/kestrelctl
+install -D "$SERVICES_BIN/kestrel-helper" "$executable"
+said=$(in_home /usr/local/bin/kestrelctl helper install) || fail "install: $said"
+said=$(in_home /usr/local/bin/kestrelctl helper uninstall) || fail "uninstall: $said"
+same 'what is left' "/usr/local/bin/kestrelctl $executable" "$(find /usr/local /etc/systemd/system -type f | sort | paste -sd' ')"
 
 finish
