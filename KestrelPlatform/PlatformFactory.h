@@ -84,7 +84,8 @@ class TrayHost {
 
 /// `onX11`: whether the application's windows are on an X display, where icons may also be embedded. The
 /// executor outlives it.
-std::unique_ptr<TrayHost> makeTrayHost(Executor& executor, std::shared_ptr<LogSink> logSink, bool onX11);
+std::unique_ptr<TrayHost> makeTrayHost(Executor& executor, const std::shared_ptr<LogSink>& logSink,
+                                       bool onX11);
 
 /// Another of Kestrel's executables, beside this one or where an installation keeps it. Absent when it is not
 /// there, and where the application is one bundle.

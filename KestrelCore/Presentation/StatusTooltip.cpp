@@ -25,7 +25,7 @@ std::string familyLine(const AgentFamilyPresentation& family) {
 std::string statusTooltip(const WakeDecision& decision, std::int64_t workingCount,
                           const std::vector<AgentFamilyPresentation>& families) {
   std::string text = headline(decision, workingCount);
-  for (const auto& family : families) text += "\n" + familyLine(family);
+  for (const auto& family : families) text.append("\n").append(familyLine(family));
   return text;
 }
 

@@ -138,8 +138,9 @@ class LinuxTrayHost final : public TrayHost {
 
 }  // namespace
 
-std::unique_ptr<TrayHost> makeTrayHost(Executor& executor, std::shared_ptr<LogSink> logSink, bool onX11) {
-  return std::make_unique<LinuxTrayHost>(executor, std::move(logSink), onX11);
+std::unique_ptr<TrayHost> makeTrayHost(Executor& executor, const std::shared_ptr<LogSink>& logSink,
+                                       bool onX11) {
+  return std::make_unique<LinuxTrayHost>(executor, logSink, onX11);
 }
 
 }  // namespace kestrel

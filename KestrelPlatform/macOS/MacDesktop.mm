@@ -28,7 +28,7 @@ void becomeAccessory() {
   [NSApplication.sharedApplication setActivationPolicy:NSApplicationActivationPolicyAccessory];
 }
 
-std::unique_ptr<TrayHost> makeTrayHost(Executor&, std::shared_ptr<LogSink>, bool) {
+std::unique_ptr<TrayHost> makeTrayHost(Executor&, const std::shared_ptr<LogSink>&, bool) {
   return std::make_unique<MacTrayHost>();
 }
 
