@@ -50,17 +50,12 @@ bool OnboardingTrial::isUnderWay() const {
 void OnboardingTrial::start() {
   if (isUnderWay()) return;
   startedAt_ = coordinator_.clock().now();
-  report_.set({Step::sending, "", {}});
   hasSession_ = true;
   if (!worker_) worker_ = std::make_unique<SerialQueue>("com.kestrel.onboarding");
   evaluations_ = coordinator_.observeEvaluations([this] { look(); });
-  deadline_ = mainExecutor_.after(kPatienceSeconds, [this] {
-    const Step step = report_.get().step;
-    if (step == Step::sending || step == Step::accepted) {
-      report_.set({Step::notConfirmed, describeHold(coordinator_.hold().get()), {}});
-    }
-    endSession();
-  });
+  deadline_ = mainExecutor_.after(kPatienceSeconds, [this] { giveUp(); });
+  // Whoever hears of it may ask whether it is under way.
+  report_.set({Step::sending, "", {}});
   worker_->post([this, alive = std::weak_ptr(alive_), path = coordinator_.directories().hookSocket().string(),
                  bytes = record(AgentState::working, startedAt_)] {
     mainExecutor_.post([this, alive, failure = send(path, bytes)] {
@@ -69,13 +64,20 @@ void OnboardingTrial::start() {
   });
 }
 
+void OnboardingTrial::giveUp() {
+  const Step step = report_.get().step;
+  endSession();
+  if (step == Step::sending || step == Step::accepted) {
+    report_.set({Step::notConfirmed, describeHold(coordinator_.hold().get()), {}});
+  }
+}
+
 void OnboardingTrial::onReply(const std::optional<std::string>& failure) {
   if (report_.get().step != Step::sending) return;
   if (failure) {
-    report_.set({Step::failed, *failure, {}});
     hasSession_ = false;
     endSession();
-    return;
+    return report_.set({Step::failed, *failure, {}});
   }
   report_.set({Step::accepted, "", {}});
   look();

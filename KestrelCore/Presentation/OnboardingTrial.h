@@ -58,6 +58,7 @@ class OnboardingTrial {
   [[nodiscard]] bool isUnderWay() const;
 
  private:
+  void giveUp();
   void onReply(const std::optional<std::string>& failure);
   void look();
   void endSession();

@@ -71,7 +71,9 @@ std::vector<TimelineSpan> Timeline::between(Date from, Date to) const {
   Date at = from;
   for (const TimelineSpan& span : spans_) {
     const Date begin = std::max(span.begin, at);
-    const Date end = std::min(span.end, to);
+    // Between two recordings the last one goes on.
+    const bool goesOn = &span == &spans_.back() && to - span.end <= kMaximumSilence;
+    const Date end = goesOn ? to : std::min(span.end, to);
     if (!(begin < end)) continue;
     if (at < begin) all.push_back({TimelineKind::unknown, "", at, begin});
     all.push_back({span.kind, span.reason, begin, end});

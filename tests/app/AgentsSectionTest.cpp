@@ -31,7 +31,7 @@ class AgentsSectionTest : public testing::Test {
     stage().executor().advance(1);
     layOut();
   }
-  AgentCardView* card(const QString& agent) { return section_.findChild<AgentCardView*>(agent); }
+  AgentCardView* card(const QString& agent) { return childOf<AgentCardView>(section_, agent); }
   void start(int first, int count) {
     for (int i = first; i < first + count; ++i) {
       stage().clock().advance(1);
@@ -47,7 +47,7 @@ class AgentsSectionTest : public testing::Test {
 TEST_F(AgentsSectionTest, KeepsWhatIsSelectedOpenAndInSightWhileSessionsComeAndGo) {
   section_.show();
   start(0, 30);
-  auto& view = *card("claude")->findChild<AgentSessionTreeView*>();
+  auto& view = *childOf<AgentSessionTreeView>(*card("claude"));
   const auto keyAt = [&view](const QModelIndex& index) { return view.sessions().session(index)->key; };
   const QModelIndex host = view.model()->index(0, 0);
   view.scrollTo(view.model()->index(20, 0, host), QAbstractItemView::PositionAtTop);
@@ -109,7 +109,7 @@ TEST_F(AgentsSectionTest, ChecksAgainAndSaysHowAnAgentIsSetUp) {
   passTime();
   EXPECT_TRUE(card("gemini")->accessibleDescription().contains("Installed (Hooks not configured)"));
   QTest::mouseClick(buttonIn(*card("claude"), "Set up…"), Qt::LeftButton);
-  auto* sheet = section_.findChild<AgentSetupSheet*>();
+  auto* sheet = childOf<AgentSetupSheet>(section_);
   QTest::keyClick(buttonIn(*sheet, "Classic"), Qt::Key_Space);
   QTest::keyClick(buttonIn(*sheet, "Copy"), Qt::Key_Space);
   const auto model = agentSetupModel(views_.context().inspection, AgentType::claude);

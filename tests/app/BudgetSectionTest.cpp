@@ -42,7 +42,7 @@ TEST(SessionTableModel, KeepsReferencesToSessionsWhereverTheyMove) {
   EXPECT_FALSE(model.refresh({record(3, 30), record(2, 20)})) << "all of them are new";
   EXPECT_EQ(followed.row(), 2);
   std::vector<SessionUsageRecord> many;
-  for (int i = 0; i < 10'000; ++i) many.push_back(record(i, 100'000 - i));
+  for (int i = 0; i < 10'000; ++i) many.push_back(record(i, 100'000 + i));
   model.load(many);
   EXPECT_EQ(followed.row(), 9998);
   EXPECT_TRUE(model.refresh({}));
@@ -67,7 +67,7 @@ class BudgetSectionTest : public testing::Test {
 
   ViewStage views_;
   BudgetSection section_{views_.context()};
-  SessionTableView* table_ = section_.findChild<SessionTableView*>();
+  SessionTableView* table_ = childOf<SessionTableView>(section_);
 };
 
 TEST_F(BudgetSectionTest, SortsByMouseAndByKeysAndTakesInNewSessions) {
@@ -107,13 +107,13 @@ TEST_F(BudgetSectionTest, SavesWhereOneChoosesAndSaysHowItWent) {
   emit section_.findChild<QFileDialog*>()->fileSelected(file);
   EXPECT_TRUE(QTest::qWaitFor([&] {
     settle();
-    return section_.findChild<ElidedLabel*>("result")->text() == "Saved as " + file;
+    return childOf<ElidedLabel>(section_, "result")->text() == "Saved as " + file;
   }));
   EXPECT_TRUE(QFile::exists(file));
 }
 
 TEST_F(BudgetSectionTest, TellsTheValuesOfADayByMouseAndByKeys) {
-  auto* chart = section_.findChild<StackedBarChart*>();
+  auto* chart = childOf<StackedBarChart>(section_);
   const struct {
     Qt::Key key;
     Qt::LayoutDirection direction;

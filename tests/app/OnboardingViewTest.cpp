@@ -22,7 +22,7 @@ class OnboardingViewTest : public testing::Test {
   void showPage(int number) {
     view_.show();
     for (int i = 1; i < number; ++i) QTest::keyClick(&view_, Qt::Key_Return);
-    EXPECT_EQ(view_.findChild<PageDots*>()->accessibleName(), QString("Page %1 of 4").arg(number));
+    EXPECT_EQ(childOf<PageDots>(view_)->accessibleName(), QString("Page %1 of 4").arg(number));
   }
   void click(const QString& text) { QTest::mouseClick(buttonIn(view_, text), Qt::LeftButton); }
   SettingsStore& settings() { return views_.stage().settings(); }
@@ -53,8 +53,8 @@ TEST_F(OnboardingViewTest, SetsUpAgentsAndSwitchesNotificationsOn) {
   settings().setNotificationsEnabled(false);
   showPage(2);
   click("Set Up…");
-  EXPECT_EQ(view_.findChild<AgentSetupSheet*>()->windowTitle(), "Set up Codex CLI");
-  view_.findChild<AgentSetupSheet*>()->close();
+  EXPECT_EQ(childOf<AgentSetupSheet>(view_)->windowTitle(), "Set up Codex CLI");
+  childOf<AgentSetupSheet>(view_)->close();
   click("Next");
   click("Switch On");
   EXPECT_TRUE(settings().notificationsEnabled());
@@ -70,7 +70,7 @@ TEST_F(OnboardingViewTest, ShowsAHoldArriveThroughTheRealSocket) {
   EXPECT_FALSE(buttonIn(view_, "Try Again")->isEnabled());
   EXPECT_TRUE(QTest::qWaitFor([&] {
     stage.executor().advance(0.01);
-    return std::ranges::any_of(view_.findChildren<WrappedLabel*>(),
+    return std::ranges::any_of(childrenOf<WrappedLabel>(view_),
                                [](const auto* label) { return label->text().startsWith("It works"); });
   }));
 }

@@ -22,7 +22,7 @@ class SettingsSectionTest : public WindowTest {
     views_.context().showIntroduction = [this] { ++introductions_; };
     show(section_);
   }
-  SettingRowView& row(const char* key) { return *section_.findChild<SettingRowView*>(key); }
+  SettingRowView& row(const char* key) { return *childOf<SettingRowView>(section_, key); }
   QAbstractButton& button(const char* key) { return *row(key).findChild<QAbstractButton*>(); }
   QSlider& slider(const char* key) { return *row(key).findChild<QSlider*>(); }
   void click(const char* key) { QTest::mouseClick(&button(key), Qt::LeftButton); }

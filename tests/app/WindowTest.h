@@ -7,6 +7,7 @@
 
 #include "screenshots/Sessions.h"
 #include "screenshots/ViewStage.h"
+#include "tests/app/ViewTestSupport.h"
 
 #include "KestrelApp/ApplicationTheme.h"
 
@@ -21,18 +22,16 @@ class WindowTest : public testing::Test {
     QApplication::setActiveWindow(&window);
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
   }
-  /// Also when the last refresh was a moment ago.
+  /// Also when the last refresh was a moment ago; new widgets are shown then.
   void evaluate() {
     stage_.app().evaluate();
     stage_.executor().advance(1);
+    layOut();
   }
   template <typename Widget>
   static std::vector<Widget*> visible(const QWidget& window) {
-    std::vector<Widget*> found;
-    for (auto* widget : window.findChildren<QWidget*>()) {
-      auto* match = dynamic_cast<Widget*>(widget);
-      if (match != nullptr && match->isVisible()) found.push_back(match);
-    }
+    auto found = childrenOf<Widget>(window);
+    std::erase_if(found, [](const Widget* each) { return !each->isVisible(); });
     return found;
   }
 

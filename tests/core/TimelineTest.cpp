@@ -36,6 +36,9 @@ TEST(Timeline, GapsAreUnknownAndClocksMayJump) {
             "unknown -5-0 , held 0-30 a, blocked 30-40 b, unknown 40-100 , blocked 100-105 b, ");
   recordFor(timeline, released, "c", 35, 50);
   EXPECT_EQ(text(timeline.spans()), "held 0-30 a, blocked 30-35 b, released 35-50 c, ") << "set back";
+  EXPECT_EQ(text(timeline.between(kNow + 40, kNow + 60)), "released 40-60 c, ")
+      << "until it is recorded again";
+  EXPECT_EQ(text(timeline.between(kNow + 40, kNow + 90)), "released 40-50 c, unknown 50-90 , ");
   recordFor(timeline, released, "c", 100'000, 100'000);
   EXPECT_EQ(text(timeline.spans()), "released 100000-100000 c, ") << "the others are older than a day";
 }
