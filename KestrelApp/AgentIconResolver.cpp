@@ -93,7 +93,7 @@ QIcon AgentIconResolver::findHostIcon(const QString& name, const Theme& theme) {
   if (!applications_) applications_ = readApplications();
   const QString key = name.toLower();
   for (const QString& candidate : {applications_->value(key), key, QStringLiteral("utilities-terminal")}) {
-    const QIcon icon = candidate.isEmpty() ? QIcon() : themeIcon(candidate);
+    QIcon icon = candidate.isEmpty() ? QIcon() : themeIcon(candidate);
     if (isUsable(icon)) return icon;
   }
   return makeIcon(Icon::terminal, theme.color(Theme::Role::muted));

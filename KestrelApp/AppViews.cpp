@@ -25,7 +25,7 @@ StatusBarController::Views AppViews::factories() {
 }
 
 std::unique_ptr<QWidget> AppViews::makePopover(StatusBarController& controller) {
-  auto view = std::make_unique<MenuBarContentView>(dependencies_.coordinator);
+  auto view = std::make_unique<MenuBarContentView>(context());
   view->onOpenShell = [&controller] { controller.openAppShell(); };
   view->onOpenSettings = [&controller] { controller.openSettings(); };
   view->onDismiss = [&controller] { controller.closePopover(); };
@@ -39,6 +39,9 @@ std::unique_ptr<QWidget> AppViews::makePopover(StatusBarController& controller) 
 std::unique_ptr<QWidget> AppViews::makeShell() {
   auto shell = std::make_unique<KestrelAppShellView>(context());
   shell_ = shell.get();
+  // A window that opens by itself, since there is no tray, does not cover the introduction.
+  if (introduction_ && introduction_->isVisible())
+    dependencies_.mainExecutor.post([this] { showIntroduction(); });
   return shell;
 }
 

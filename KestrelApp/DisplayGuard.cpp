@@ -19,16 +19,29 @@ struct Handlers {
 /// All that Qt's message handler and the end of the process can reach. Stays when the guard goes: another
 /// thread of Qt may be speaking.
 std::atomic<const Handlers*> handlers{nullptr};
-std::atomic<bool> isArmed{false};
+
+enum class Watch { off, armed, leaving };
+std::atomic<Watch> watch{Watch::off};
 
 void goOnWithoutDisplay() {
   // Only once: the callback may itself end the process.
-  if (isArmed.exchange(false)) handlers.load()->onDisplayLost();
+  thread_local bool isLeaving = false;
+  Watch seen = Watch::armed;
+  if (watch.compare_exchange_strong(seen, Watch::leaving)) {
+    isLeaving = true;
+    handlers.load()->onDisplayLost();
+    watch = Watch::off;
+    watch.notify_all();
+  } else if (seen == Watch::leaving && !isLeaving) {
+    // Several of Qt's threads notice the loss, and the caller ends the process when this returns.
+    watch.wait(Watch::leaving);
+  }
 }
 
-/// Qt's Wayland client says this and calls _exit, which runs no exit handlers.
+/// Qt says this and then ends the process; its Wayland client by _exit, which runs no exit handlers.
 bool tellsOfTheEnd(const QString& message) {
-  return message.startsWith(QLatin1String("The Wayland connection "));
+  return message.startsWith(QLatin1String("The Wayland connection ")) ||
+         message.startsWith(QLatin1String("The X11 connection broke"));
 }
 
 void takeMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
@@ -50,12 +63,12 @@ DisplayGuard::DisplayGuard(Logger logger, std::function<void()> onDisplayLost) {
   static const bool isRegistered = std::atexit(&goOnWithoutDisplay) == 0;
   if (!isRegistered) logger.error("The end of the display cannot be noticed: no exit handler is free");
   handlers = new Handlers{std::move(logger), std::move(onDisplayLost)};
-  isArmed = true;
+  watch = Watch::armed;
   qInstallMessageHandler(&takeMessage);
 }
 
 DisplayGuard::~DisplayGuard() {
-  isArmed = false;
+  watch = Watch::off;
   qInstallMessageHandler(nullptr);
 }
 

@@ -12,19 +12,22 @@ namespace kestrel {
 /// One size of the status icon while it is drawn, in whole device pixels.
 class GlyphCanvas {
  public:
-  /// A clear picture. `points` is the width in points at a height of 18.
-  GlyphCanvas(int points, int height);
+  /// A clear picture.
+  GlyphCanvas(int width, int height);
 
-  /// The frame enlarged by whole pixels, bottom-centred in the square of 18 points at the left.
-  void drawFrame(const PixelSpriteFrame& frame);
+  /// The frame enlarged by whole pixels, at the bottom; in the middle of the square at the left, or at the
+  /// left edge where a count needs the rest.
+  void drawFrame(const PixelSpriteFrame& frame, bool leavesRoom);
   /// What is opaque loses all but its edge, of one pixel of the frame.
   void keepOutline();
   /// Everything dark becomes clear: what is left is a shape to be tinted.
   void keepShape();
   /// A translucent dark line around what is opaque. Vanishes on a dark panel.
   void addHairline();
-  /// In the width beyond the frame, as large as fits; white on a dark ground. More than 99 is 99.
-  void drawCount(std::int64_t count);
+  /// At the right above the frame's last row, as large as is fit: black in the width beyond the frame, or
+  /// white on a dark ground, which may cover some of the frame. More than 99 is 99.
+  enum class CountStyle { plain, grounded };
+  void drawCount(std::int64_t count, CountStyle style);
 
   [[nodiscard]] int width() const { return width_; }
   [[nodiscard]] int height() const { return height_; }
@@ -35,18 +38,20 @@ class GlyphCanvas {
 
  private:
   void fill(int left, int top, int width, int height, PixelRGBA colour);
-  void drawDigit(int digit, int left, int top, int scale);
+  /// Pixels of one size in a row, for the bits that are set; the leftmost is the highest of `width` bits.
+  void drawRow(unsigned bits, int width, int left, int top, int scale, PixelRGBA colour);
   [[nodiscard]] std::size_t indexOf(int x, int y) const;
   PixelRGBA& at(int x, int y) { return pixels_[indexOf(x, y)]; }
   [[nodiscard]] bool isOpaque(int x, int y) const;
-  [[nodiscard]] bool touchesOpaque(int x, int y) const;
+  [[nodiscard]] bool isNearOpaque(int x, int y, int distance) const;
 
   int width_;
   int height_;
   /// Device pixels for one of the frame's.
   int scale_;
-  /// Behind the frame's last column.
+  /// Behind the frame's last column and row.
   int frameEnd_ = 0;
+  int frameBottom_;
   std::vector<PixelRGBA> pixels_;
 };
 

@@ -36,6 +36,11 @@ void doWithoutGraphicsDrivers() {
   if (!qEnvironmentVariableIsSet(kVariable)) qputenv(kVariable, "none");
 }
 
+std::optional<Theme::Scheme> schemeOf(std::optional<bool> prefersDark) {
+  if (!prefersDark) return std::nullopt;
+  return *prefersDark ? Theme::Scheme::dark : Theme::Scheme::light;
+}
+
 /// Where the programs that belong together stand.
 std::filesystem::path programFolder() {
   if (const auto relay = companionProgram(kRelay)) return relay->parent_path();
@@ -87,7 +92,7 @@ void KestrelApp::runWindows(SoleInstance& instance, const Logger& logger) {
   QApplication::setDesktopFileName(QStringLiteral("com.kestrel.app"));
   QApplication::setQuitOnLastWindowClosed(AppDelegate::applicationShouldTerminateAfterLastWindowClosed());
 
-  const ApplicationTheme theme(*qApp);
+  ApplicationTheme theme(*qApp);
   QApplication::setWindowIcon(makeAppIcon());
   QtMainLoop loop;
   StatusBarController* statusBar = nullptr;
@@ -96,6 +101,9 @@ void KestrelApp::runWindows(SoleInstance& instance, const Logger& logger) {
     return true;
   });
   runtime_ = &runtime;
+  const auto appearance = followDarkPreference(
+      loop.executor(), instance.logSink(),
+      [&](std::optional<bool> prefersDark) { theme.setPreference(schemeOf(prefersDark)); });
   const bool onX11 = QGuiApplication::platformName() == QLatin1String("xcb");
   const auto host = makeTrayHost(loop.executor(), instance.logSink(), onX11);
   const DesktopTraits traits = desktopTraits();

@@ -5,6 +5,7 @@
 #include <QPixmap>
 #include <QSize>
 #include <array>
+#include <cmath>
 #include <fmt/format.h>
 
 #include "KestrelApp/GlyphCanvas.h"
@@ -43,6 +44,13 @@ QSize KestrelBlobGlyphRenderer::iconSize(KestrelVisualState state, std::int64_t 
   return {width, kHeightPoints};
 }
 
+QSize KestrelBlobGlyphRenderer::pictureSize(KestrelVisualState state, std::int64_t activeCount,
+                                            int height) const {
+  if (!isTinted_) return {height, height};
+  const int points = iconSize(state, activeCount).width();
+  return {static_cast<int>(std::lround(static_cast<double>(points) * height / kHeightPoints)), height};
+}
+
 QIcon KestrelBlobGlyphRenderer::createStatusIcon(KestrelVisualState state, int frameIndex,
                                                  std::int64_t activeCount, bool isDisabled) {
   // Frames repeat, and so must their keys.
@@ -52,21 +60,22 @@ QIcon KestrelBlobGlyphRenderer::createStatusIcon(KestrelVisualState state, int f
   const LockGuard guard(lock_);
   if (const auto known = cache_.find(key); known != cache_.end()) return *known->second;
 
-  const QSize size = iconSize(state, activeCount);
+  const bool showsCount = iconSize(state, activeCount).width() > kPlainWidth;
   // At rest the body stands alone, so its outline is that of the body.
   const PixelSpriteFrame frame =
       isDisabled ? provider_.frame(KestrelVisualState::idle, 0) : provider_.frame(state, index);
   QIcon icon;
   const auto draw = [&](int height) {
-    GlyphCanvas canvas(size.width(), height);
-    canvas.drawFrame(frame);
+    GlyphCanvas canvas(pictureSize(state, activeCount, height).width(), height);
+    canvas.drawFrame(frame, showsCount && !isTinted_);
     if (isDisabled) canvas.keepOutline();
     if (isTinted_) {
       canvas.keepShape();
     } else {
       canvas.addHairline();
     }
-    if (size.width() > kPlainWidth) canvas.drawCount(activeCount);
+    using Style = GlyphCanvas::CountStyle;
+    if (showsCount) canvas.drawCount(activeCount, isTinted_ ? Style::plain : Style::grounded);
     QPixmap pixmap = toPixmap(canvas);
     if (isTinted_) pixmap.setDevicePixelRatio(static_cast<double>(height) / kHeightPoints);
     icon.addPixmap(pixmap);

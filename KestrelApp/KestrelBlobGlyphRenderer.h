@@ -28,6 +28,9 @@ class KestrelBlobGlyphRenderer {
 
   /// Width and height in points; the width beyond 18 is for the count.
   static QSize iconSize(KestrelVisualState state, std::int64_t activeCount);
+  /// In device pixels, where icons are so high. Hosts that do not tint icons scale what is wider than high
+  /// down into a square, which blurs it: there the picture is one, and the count covers its corner.
+  [[nodiscard]] QSize pictureSize(KestrelVisualState state, std::int64_t activeCount, int height) const;
 
  private:
   const PixelAvatarProvider& provider_;

@@ -41,30 +41,17 @@ void drawIndicator(const Theme& theme, const QStyleOption& option, QPainter& pai
 }
 
 /// What a control with a value lies on.
-void drawField(const Theme& theme, const QStyleOption& option, QPainter& painter, Theme::Role background) {
+void drawField(const Theme& theme, const QStyleOption& option, QPainter& painter) {
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
   const QRectF area = QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5);
   const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
   painter.setPen(QPen(theme.color(isHovered ? Theme::Role::muted : Theme::Role::hairline), Theme::kHairline));
-  painter.setBrush(theme.color(background));
+  painter.setBrush(theme.color(Theme::Role::raised));
   painter.drawRoundedRect(area, Theme::kRadius, Theme::kRadius);
   painter.restore();
   if (option.state.testFlag(QStyle::State_HasFocus))
     theme.drawFocusRing(painter, option.rect, Theme::kRadius);
-}
-
-QColor markColor(const Theme& theme, const QStyleOption& option) {
-  return theme.color(option.state.testFlag(QStyle::State_Enabled) ? Theme::Role::text : Theme::Role::muted);
-}
-
-void drawChevron(const QRect& area, bool isUp, const QColor& color, QPainter& painter) {
-  painter.save();
-  painter.translate(QRectF(area).center());
-  if (isUp) painter.rotate(180);
-  constexpr double kSize = Theme::kSmallIconSize;
-  drawIcon(painter, QRectF(-kSize / 2, -kSize / 2, kSize, kSize), Icon::chevronDown, color);
-  painter.restore();
 }
 
 }  // namespace
@@ -92,8 +79,6 @@ void KestrelStyle::drawComplexControl(ComplexControl control, const QStyleOption
   switch (control) {
     case CC_ComboBox:
       return drawComboBox(*option, *painter, widget);
-    case CC_SpinBox:
-      return drawSpinBox(*option, *painter, widget);
     case CC_Slider:
       return drawSlider(*option, *painter, widget);
     default:
@@ -104,18 +89,11 @@ void KestrelStyle::drawComplexControl(ComplexControl control, const QStyleOption
 void KestrelStyle::drawComboBox(const QStyleOptionComplex& option, QPainter& painter,
                                 const QWidget* widget) const {
   const Theme& theme = Theme::of(option.palette);
-  drawField(theme, option, painter, Theme::Role::raised);
-  drawChevron(subControlRect(CC_ComboBox, &option, SC_ComboBoxArrow, widget), false, markColor(theme, option),
-              painter);
-}
-
-void KestrelStyle::drawSpinBox(const QStyleOptionComplex& option, QPainter& painter,
-                               const QWidget* widget) const {
-  const Theme& theme = Theme::of(option.palette);
-  drawField(theme, option, painter, Theme::Role::surface);
-  const QColor mark = markColor(theme, option);
-  drawChevron(subControlRect(CC_SpinBox, &option, SC_SpinBoxUp, widget), true, mark, painter);
-  drawChevron(subControlRect(CC_SpinBox, &option, SC_SpinBoxDown, widget), false, mark, painter);
+  drawField(theme, option, painter);
+  QRectF mark(0, 0, Theme::kSmallIconSize, Theme::kSmallIconSize);
+  mark.moveCenter(QRectF(subControlRect(CC_ComboBox, &option, SC_ComboBoxArrow, widget)).center());
+  const bool isEnabled = option.state.testFlag(State_Enabled);
+  drawIcon(painter, mark, Icon::chevronDown, theme.color(isEnabled ? Theme::Role::text : Theme::Role::muted));
 }
 
 void KestrelStyle::drawSlider(const QStyleOptionComplex& option, QPainter& painter,
@@ -148,7 +126,7 @@ void KestrelStyle::drawSlider(const QStyleOptionComplex& option, QPainter& paint
 QSize KestrelStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
                                      const QWidget* widget) const {
   QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
-  if (type == CT_ComboBox || type == CT_SpinBox) size = size.expandedTo({0, Theme::kButtonHeight});
+  if (type == CT_ComboBox) size = size.expandedTo({0, Theme::kButtonHeight});
   return size;
 }
 

@@ -21,7 +21,6 @@ class KestrelStyle final : public QProxyStyle {
 
  private:
   void drawComboBox(const QStyleOptionComplex& option, QPainter& painter, const QWidget* widget) const;
-  void drawSpinBox(const QStyleOptionComplex& option, QPainter& painter, const QWidget* widget) const;
   void drawSlider(const QStyleOptionComplex& option, QPainter& painter, const QWidget* widget) const;
 };
 

@@ -13,7 +13,9 @@
 #include "KestrelApp/Popover/PowerStrip.h"
 #include "KestrelApp/Popover/TodayStrip.h"
 #include "KestrelApp/Theme.h"
+#include "KestrelApp/ViewContext.h"
 #include "KestrelApp/Widgets/Separator.h"
+#include "KestrelCore/AppCoordinator.h"
 
 namespace kestrel {
 namespace {
@@ -24,10 +26,9 @@ void callIfSet(const std::function<void()>& callback) {
 
 }  // namespace
 
-MenuBarContentView::MenuBarContentView(AppCoordinator& coordinator, QWidget* parent)
-    : QWidget(parent),
-      coordinator_(coordinator),
-      actions_(coordinator.settings(), [&coordinator] { coordinator.evaluate(); }),
+MenuBarContentView::MenuBarContentView(ViewContext& context, QWidget* parent)
+    : LiveView(context, parent),
+      actions_(context.coordinator.settings(), [&context] { context.coordinator.evaluate(); }),
       header_(new PopoverHeader),
       power_(new PowerStrip),
       middle_(new QStackedWidget),
@@ -43,8 +44,6 @@ MenuBarContentView::MenuBarContentView(AppCoordinator& coordinator, QWidget* par
   layOut();
   connectControls();
 }
-
-MenuBarContentView::~MenuBarContentView() = default;
 
 void MenuBarContentView::layOut() {
   middle_->addWidget(noAgents_);
@@ -67,7 +66,7 @@ void MenuBarContentView::connectControls() {
   // Also where nothing came of it, each control then shows what is.
   const auto then = [this](const auto& act) {
     act();
-    refresh();
+    refreshAtOnce();
   };
   header_->onMasterSwitched = [this, then](bool isOn) { then([&] { actions_.setMasterEnabled(isOn); }); };
   footer_->onPause = [this, then](double seconds) { then([&] { actions_.pause(seconds); }); };
@@ -79,7 +78,7 @@ void MenuBarContentView::connectControls() {
 }
 
 void MenuBarContentView::refresh() {
-  PopoverModel model = popoverModel(popoverFacts(coordinator_, calendar_));
+  PopoverModel model = popoverModel(popoverFacts(context().coordinator, context().calendar));
   // A press may have moved a control away from what the model says.
   header_->setModel(model.headline, model.controls.isMasterOn);
   footer_->setModel(model.controls);
@@ -94,15 +93,8 @@ void MenuBarContentView::refresh() {
 }
 
 void MenuBarContentView::showEvent(QShowEvent* event) {
-  refresh();
-  evaluations_ = coordinator_.observeEvaluations([this] { refresh(); });
-  QWidget::showEvent(event);
+  LiveView::showEvent(event);
   setFocus(Qt::PopupFocusReason);
-}
-
-void MenuBarContentView::hideEvent(QHideEvent* event) {
-  evaluations_.reset();
-  QWidget::hideEvent(event);
 }
 
 void MenuBarContentView::keyPressEvent(QKeyEvent* event) {

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <QWidget>
 #include <functional>
 #include <optional>
 
-#include "KestrelCore/AppCoordinator.h"
+#include "KestrelApp/LiveView.h"
 #include "KestrelCore/Presentation/PopoverModel.h"
 #include "KestrelCore/Presentation/SurfaceActions.h"
-#include "KestrelCore/Support/LocalCalendar.h"
 
 class QStackedWidget;
 
@@ -20,12 +18,11 @@ class PopoverHeader;
 class PowerStrip;
 class TodayStrip;
 
-/// The popover: everything at a glance. Of a fixed size; live while it is visible, and idle while it is not.
-class MenuBarContentView final : public QWidget {
+/// The popover: everything at a glance. Of a fixed size.
+class MenuBarContentView final : public LiveView {
  public:
-  /// The coordinator outlives the view.
-  explicit MenuBarContentView(AppCoordinator& coordinator, QWidget* parent = nullptr);
-  ~MenuBarContentView() override;
+  /// The context outlives the view.
+  explicit MenuBarContentView(ViewContext& context, QWidget* parent = nullptr);
 
   // Set after construction, at any time; empty ones are not called.
   std::function<void()> onOpenShell;
@@ -35,19 +32,16 @@ class MenuBarContentView final : public QWidget {
   std::function<void()> onDismiss;
 
  protected:
+  void refresh() override;
   void showEvent(QShowEvent* event) override;
-  void hideEvent(QHideEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
   void layOut();
   void connectControls();
-  void refresh();
 
-  AppCoordinator& coordinator_;
   const SurfaceActions actions_;
-  const SystemLocalCalendar calendar_;
   PopoverHeader* header_;
   PowerStrip* power_;
   QStackedWidget* middle_;
@@ -56,8 +50,6 @@ class MenuBarContentView final : public QWidget {
   TodayStrip* today_;
   PopoverFooter* footer_;
   std::optional<PopoverModel> shown_;
-  /// While visible.
-  RegistrationPtr evaluations_;
 };
 
 }  // namespace kestrel

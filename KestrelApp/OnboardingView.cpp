@@ -13,7 +13,6 @@
 #include "KestrelApp/ViewContext.h"
 #include "KestrelApp/Widgets/PageDots.h"
 #include "KestrelCore/AppCoordinator.h"
-#include "KestrelCore/Presentation/AgentSetupModel.h"
 #include "KestrelCore/Presentation/AgentsModel.h"
 
 namespace kestrel {
@@ -101,7 +100,7 @@ void OnboardingView::act(const std::string& row) {
   for (const AgentType agent : allCases<AgentType>()) {
     if (rawValue(agent) != row) continue;
     delete setup_;
-    setup_ = new AgentSetupSheet(agentSetupModel(context().inspection, agent), this);
+    setup_ = new AgentSetupSheet(context(), agent, this);
     setup_->setAttribute(Qt::WA_DeleteOnClose);
     setup_->open();
   }

@@ -14,7 +14,7 @@
 namespace kestrel {
 namespace {
 
-constexpr int kWidth = 12 * Theme::kSpaceLarge;
+constexpr int kWidth = 11 * Theme::kSpaceLarge;
 constexpr int kCompactWidth = 4 * Theme::kSpaceLarge;
 /// Twice the mascot's pixels.
 constexpr int kBlobSize = 2 * Theme::kSpaceLarge;
@@ -33,10 +33,14 @@ SidebarView::SidebarView(std::function<void(std::size_t)> onChosen, QWidget* par
   setAccessibleName(QStringLiteral("Sections"));
   setFixedWidth(kWidth);
   auto* top = new QHBoxLayout;
-  top->setContentsMargins(Theme::kSpaceTiny, 0, 0, 0);
   top->setSpacing(Theme::kSpaceSmall);
+  top->addSpacing(Theme::kSpaceTiny);
   top->addWidget(new PixelWorkerAnimationView(KestrelBlobAvatarProvider::shared(), kBlobSize));
-  top->addWidget(name_, 1);
+  // Beside the mascot's body, which has room for its sparks above.
+  auto* beside = new QVBoxLayout;
+  beside->addSpacing(Theme::kSpaceSmall);
+  beside->addWidget(name_);
+  top->addLayout(beside, 1);
   entries_->setSpacing(Theme::kSpaceTiny);
   auto* all = new QVBoxLayout(this);
   all->setContentsMargins(Theme::kSpaceMedium, Theme::kSpaceLarge, Theme::kSpaceMedium, Theme::kSpaceLarge);

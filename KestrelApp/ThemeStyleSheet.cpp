@@ -24,6 +24,7 @@ QPushButton:checked, QPushButton[primary="true"] {
 }
 QPushButton:checked:hover, QPushButton[primary="true"]:hover { border-color: @text; }
 QPushButton:checked:focus, QPushButton[primary="true"]:focus { border: 2px solid @text; }
+QPushButton[primary="true"]:disabled { background: @raised; color: @muted; border-color: @hairline; }
 QPushButton[quiet="true"], QToolButton[quiet="true"] { background: transparent; border-color: transparent; }
 QPushButton[quiet="true"] { padding: 0 6px; }
 QPushButton[quiet="true"]:focus { padding: 0 5px; }
@@ -48,7 +49,9 @@ QScrollBar::handle { background: @hairline; border-radius: 3px; min-height: 24px
 QScrollBar::handle:hover { background: @muted; }
 QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
 QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
+QAbstractScrollArea::corner { background: transparent; border: none; }
 QCheckBox, QRadioButton { spacing: 8px; }
+QHeaderView { background: transparent; border: none; }
 QHeaderView::section { background: transparent; color: @muted; border: none; border-bottom: 1px solid @hairline;
   padding: 6px 8px; }
 QTableView, QTreeView, QListView, QPlainTextEdit, QTextEdit { background: @surface; color: @text;

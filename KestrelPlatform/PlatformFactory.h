@@ -87,6 +87,13 @@ class TrayHost {
 std::unique_ptr<TrayHost> makeTrayHost(Executor& executor, const std::shared_ptr<LogSink>& logSink,
                                        bool onX11);
 
+/// As long as the registration lives, tells whether the desktop prefers dark windows: when that becomes known
+/// and at each change; absent when it prefers neither, or tells no longer. Null where the toolkit's palette
+/// says it all. Main thread; the executor outlives it.
+[[nodiscard]] RegistrationPtr followDarkPreference(
+    Executor& executor, const std::shared_ptr<LogSink>& logSink,
+    std::function<void(std::optional<bool> prefersDark)> onChange);
+
 /// Another of Kestrel's executables, beside this one or where an installation keeps it. Absent when it is not
 /// there, and where the application is one bundle.
 std::optional<std::filesystem::path> companionProgram(const std::string& name);

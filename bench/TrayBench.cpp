@@ -74,6 +74,10 @@ const std::array<sd_bus_vtable, 4> kInterface{
 class Desktop {
  public:
   Desktop() {
+    // The introduction is shown once, and is not what is measured.
+    const auto settings = home_.directories().home / ".config" / "com.kestrel.app.json";
+    std::filesystem::create_directories(settings.parent_path());
+    std::ofstream(settings) << R"({"hasCompletedOnboarding": true})";
     if (display_.line().empty() || address_.line().empty()) return;
     sd_bus* bus = nullptr;
     if (sd_bus_new(&bus) < 0) return;
@@ -177,7 +181,9 @@ void idleWithTray(benchmark::State& state) {
     state.SetIterationTime((after.cpuSeconds - before.cpuSeconds) / kIdleSeconds);
     state.counters["core_%"] = 100 * (after.cpuSeconds - before.cpuSeconds) / kIdleSeconds;
     state.counters["wakeups/s"] = (after.wakeups - before.wakeups) / kIdleSeconds;
-    state.counters["resident_KiB"] = fieldOf("/proc/" + std::to_string(child) + "/status", "VmRSS:");
+    const std::string memory = "/proc/" + std::to_string(child) + "/smaps_rollup";
+    state.counters["resident_KiB"] = fieldOf(memory, "Rss:");
+    state.counters["own_KiB"] = fieldOf(memory, "Pss_Anon:");
   }
   ::kill(child, SIGTERM);
   (void)waitForChild(child);

@@ -39,15 +39,18 @@ std::string withUsualFolder(std::string text, const std::string& folder) {
   return text;
 }
 
-Scene setup(const std::string& name, AgentType agent) {
-  return {"setup-" + name, [agent] {
+Scene setup(const std::string& name, AgentType agent, Qt::LayoutDirection direction = Qt::LeftToRight) {
+  return {"setup-" + name, [agent, direction] {
             auto views = std::make_shared<ViewStage>();
+            playInstalledAgents(*views);
             AgentSetupModel model = agentSetupModel(views->context().inspection, agent);
             for (auto& snippet : model.snippets) {
               snippet.text = withUsualFolder(snippet.text, views->programs().string());
               for (auto& step : snippet.steps) step = withUsualFolder(step, views->programs().string());
             }
-            return Scenery{views, std::make_unique<AgentSetupSheet>(model)};
+            auto sheet = std::make_unique<AgentSetupSheet>(views->context(), agent, model);
+            sheet->setLayoutDirection(direction);
+            return Scenery{views, std::move(sheet)};
           }};
 }
 
@@ -71,6 +74,7 @@ Scenes agentsScenes() {
       setup("codex", AgentType::codex),
       setup("opencode", AgentType::opencode),
       setup("aider", AgentType::aider),
+      setup("right-to-left", AgentType::codex, Qt::RightToLeft),
   };
 }
 

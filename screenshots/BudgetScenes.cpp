@@ -4,6 +4,7 @@
 #include "screenshots/Sessions.h"
 #include "screenshots/ViewStage.h"
 
+#include "KestrelApp/KestrelAppShellView.h"
 #include "KestrelApp/Sections/BudgetSection.h"
 
 namespace kestrel {
@@ -27,6 +28,24 @@ Scene budget(const std::string& name, QSize size, const Play& play,
           }};
 }
 
+constexpr const char* kModels[] = {"claude-opus-4-5", "gpt-5-codex", "deepseek-v4-flash-free"};
+
+void use(Stage& stage, AgentType agent, const char* model, std::int64_t tokens, double cost, double ago) {
+  UsageEvent event{.agentType = agent, .sessionId = fmt::format("{}{}", model, ago), .inputTokens = tokens};
+  event.modelId = model;
+  event.costEstimateUSD = cost;
+  event.timestamp = stage.clock().now() - ago;
+  event.deriveTotal();
+  stage.usage().handleUsageEvent(event);
+}
+
+void report(Stage& stage, AgentType agent, const char* model, std::optional<std::int64_t> contextUsed,
+            std::optional<double> quotaLeft, std::optional<double> cost) {
+  auto report = reportOf(agent, contextUsed, quotaLeft, cost, stage.clock().now());
+  report.modelId = model;
+  stage.report(report);
+}
+
 /// Two weeks of three agents, with a pause.
 void playWeeks(ViewStage& views) {
   Stage& stage = views.stage();
@@ -34,18 +53,26 @@ void playWeeks(ViewStage& views) {
   for (int day = 1; day < 14; ++day) {
     if (day == 5 || day == 6) continue;
     const int weight = 3 + (day * 7) % 11;
-    stage.use(AgentType::claude, weight * 61'000, weight * 0.31, day * kDay, fmt::format("c{}", day));
-    if (day % 3 != 0) {
-      stage.use(AgentType::codex, weight * 37'000, weight * 0.2, day * kDay + 9, fmt::format("x{}", day));
-    }
-    if (day % 2 == 0) {
-      stage.use(AgentType::opencode, weight * 18'000, 0, day * kDay + 20, fmt::format("o{}", day));
-    }
+    use(stage, AgentType::claude, kModels[0], weight * 61'000, weight * 0.31, day * kDay);
+    if (day % 3 != 0) use(stage, AgentType::codex, kModels[1], weight * 37'000, weight * 0.2, day * kDay + 9);
+    if (day % 2 == 0) use(stage, AgentType::opencode, kModels[2], weight * 18'000, 0, day * kDay + 20);
   }
-  const Date now = stage.clock().now();
-  auto opencode = reportOf(AgentType::opencode, std::nullopt, std::nullopt, std::nullopt, now);
-  stage.report(opencode);
-  stage.report(reportOf(AgentType::codex, 172'000, 12, 0.84, now));
+  report(stage, AgentType::claude, kModels[0], 44'000, std::nullopt, 1.2);
+  report(stage, AgentType::codex, kModels[1], 172'000, 12, 0.84);
+  report(stage, AgentType::opencode, kModels[2], std::nullopt, std::nullopt, std::nullopt);
+}
+
+Scene window() {
+  return {"window-budget", [] {
+            auto views = std::make_shared<ViewStage>();
+            playWeeks(*views);
+            auto view = std::make_unique<KestrelAppShellView>(views->context());
+            view->resize(960, 900);
+            view->showSection(KestrelAppShellView::Section::budget);
+            view->show();
+            views->stage().settle();
+            return Scenery{views, std::move(view)};
+          }};
 }
 
 }  // namespace
@@ -61,6 +88,7 @@ Scenes budgetScenes() {
       budget("large", {1200, 900}, playWeeks),
       budget("many", kUsual, [](ViewStage& views) { playTwoHundredSessions(views.stage()); }),
       budget("right-to-left", {760, 1000}, playWeeks, Qt::RightToLeft),
+      window(),
   };
 }
 

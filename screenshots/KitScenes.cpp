@@ -4,20 +4,19 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSlider>
-#include <QSpinBox>
 #include <cstddef>
 
 #include "screenshots/Scene.h"
 
 #include "KestrelApp/Theme.h"
 #include "KestrelApp/Widgets/Badge.h"
-#include "KestrelApp/Widgets/Card.h"
 #include "KestrelApp/Widgets/ElidedLabel.h"
 #include "KestrelApp/Widgets/Gauge.h"
 #include "KestrelApp/Widgets/IconView.h"
 #include "KestrelApp/Widgets/RingGauge.h"
 #include "KestrelApp/Widgets/Sparkline.h"
 #include "KestrelApp/Widgets/StateDot.h"
+#include "KestrelApp/Widgets/TitledCard.h"
 #include "KestrelApp/Widgets/ToggleSwitch.h"
 
 namespace kestrel {
@@ -94,9 +93,8 @@ void addControls(QGridLayout& grid) {
   auto* slider = new QSlider(Qt::Horizontal);
   slider->setValue(40);
   column = 0;
-  for (QWidget* widget :
-       std::initializer_list<QWidget*>{new QCheckBox("Check"), checked, combo, slider, new QSpinBox,
-                                       new QLineEdit("Text"), label("Caption")})
+  for (QWidget* widget : std::initializer_list<QWidget*>{new QCheckBox("Check"), checked, combo, slider,
+                                                         new QLineEdit("Text"), label("Caption")})
     grid.addWidget(widget, 1, column++);
 }
 
@@ -104,8 +102,9 @@ std::unique_ptr<QWidget> kitSheet() {
   auto sheet = std::make_unique<QWidget>();
   auto* lines = new QVBoxLayout(sheet.get());
   for (auto* add : {addIcons, addGauges, addControls}) {
-    auto* card = new Card;
-    auto* grid = new QGridLayout(card);
+    auto* card = new TitledCard({});
+    auto* grid = new QGridLayout;
+    card->lines().addLayout(grid);
     grid->setSpacing(Theme::kSpaceMedium);
     add(*grid);
     lines->addWidget(card);

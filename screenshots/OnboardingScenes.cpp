@@ -1,6 +1,7 @@
 #include <QLabel>
 #include <QPixmap>
 #include <QPushButton>
+#include <thread>
 
 #include "screenshots/Scene.h"
 #include "screenshots/ViewStage.h"
@@ -33,6 +34,29 @@ void startTrial(ViewStage& views) {
   views.context().trial.start();
 }
 
+/// Plays the trial to its end, through the socket.
+void finishTrial(ViewStage& views, HoldEvidenceState answer, const std::string& detail) {
+  Stage& stage = views.stage();
+  stage.machine().powerAssertions->setEvidence(
+      std::vector<HoldEvidence>{{"login manager", HoldKind::idle, answer, detail}});
+  stage.app().start();
+  OnboardingTrial& trial = views.context().trial;
+  trial.start();
+  while (trial.report().get().step == OnboardingTrial::Step::sending) {
+    stage.executor().advance(0.01);
+    std::this_thread::yield();
+  }
+  stage.executor().advance(20);
+}
+
+void findHold(ViewStage& views) {
+  finishTrial(views, HoldEvidenceState::held, "1");
+}
+
+void findRefusal(ViewStage& views) {
+  finishTrial(views, HoldEvidenceState::refused, "Operation inhibited");
+}
+
 /// Every size side by side, as a desktop shows them.
 std::unique_ptr<QWidget> iconSheet() {
   auto sheet = std::make_unique<QWidget>();
@@ -55,7 +79,11 @@ Scenes onboardingScenes() {
       onboarding("2", 1, playInstalledAgents),
       onboarding("3", 2, playInstalledAgents),
       onboarding("4", 3, playInstalledAgents),
+      onboarding("2-looking", 1, [](ViewStage&) {}),
+      onboarding("2-none", 1, [](ViewStage& views) { views.inspect(); }),
       onboarding("4-trying", 3, startTrial),
+      onboarding("4-held", 3, findHold),
+      onboarding("4-refused", 3, findRefusal),
       onboarding("2-right-to-left", 1, playInstalledAgents, Qt::RightToLeft),
       {"app-icon",
        [] {

@@ -2,6 +2,7 @@
 
 #include "screenshots/Scene.h"
 #include "screenshots/Sessions.h"
+#include "screenshots/ViewStage.h"
 
 #include "KestrelApp/MenuBarContentView.h"
 
@@ -12,9 +13,9 @@ using Play = std::function<void(Stage&)>;
 
 Scene popover(const std::string& name, const Stage::Machine& machine, const Play& play) {
   return {"popover-" + name, [machine, play] {
-            auto stage = std::make_shared<Stage>(machine);
-            play(*stage);
-            return Scenery{stage, std::make_unique<MenuBarContentView>(stage->app())};
+            auto views = std::make_shared<ViewStage>(machine);
+            play(views->stage());
+            return Scenery{views, std::make_unique<MenuBarContentView>(views->context())};
           }};
 }
 

@@ -37,8 +37,7 @@ class TraySheet final : public QWidget {
                                   : kCounts[static_cast<std::size_t>(column - kStates + 1) % kCounts.size()];
         const QIcon icon = renderer.createStatusIcon(state, 0, count, column == kStates);
         const int height = kHeights[row];
-        const QSize points = KestrelBlobGlyphRenderer::iconSize(state, count);
-        const QSize size(points.width() * height / points.height(), height);
+        const QSize size = renderer.pictureSize(state, count, height);
         painter.drawPixmap(QPoint(column * kColumn, static_cast<int>(row) * kRow), icon.pixmap(size, 1.0));
       }
     }

@@ -1,12 +1,17 @@
+#include <QMainWindow>
+#include <QMessageBox>
 #include <array>
 
 #include "screenshots/Scene.h"
 #include "screenshots/Sessions.h"
 #include "screenshots/ViewStage.h"
 
+#include "KestrelApp/AppWindow.h"
 #include "KestrelApp/DiagnosticsSheet.h"
 #include "KestrelApp/KestrelAppShellView.h"
 #include "KestrelApp/SettingsView.h"
+#include "KestrelApp/Widgets/AskFirst.h"
+#include "KestrelCore/Presentation/SettingsModel.h"
 
 namespace kestrel {
 namespace {
@@ -96,6 +101,18 @@ void refuse(ViewStage& views) {
   views.stage().app().evaluate();
 }
 
+void pause(ViewStage& views) {
+  playADay(views);
+  views.stage().settings().setPauseUntil(views.stage().clock().now() + 1500);
+  views.stage().app().evaluate();
+}
+
+void switchOff(ViewStage& views) {
+  playADay(views);
+  views.stage().settings().setMasterEnabled(false);
+  views.stage().app().evaluate();
+}
+
 Scene shell(const std::string& name, Section section, QSize size, const Play& play,
             const Stage::Machine& machine = kCharging, Qt::LayoutDirection direction = Qt::LeftToRight) {
   return {"window-" + name, [=] {
@@ -130,6 +147,36 @@ Scene diagnostics() {
           }};
 }
 
+/// With the line that says why it opened.
+Scene withNotice() {
+  return {"window-notice", [] {
+            struct World {
+              ViewStage views{kCharging};
+              AppWindow window{"Kestrel", std::make_unique<KestrelAppShellView>(views.context())};
+            };
+            auto world = std::make_shared<World>();
+            playADay(world->views);
+            world->window.setNotice("This desktop shows no status icons, so Kestrel opened its window.");
+            std::unique_ptr<QWidget> content(world->window.window().takeCentralWidget());
+            content->resize(kUsual);
+            return Scenery{world, std::move(content)};
+          }};
+}
+
+/// What stands between a person and a loss.
+Scene question() {
+  return {"settings-question", [] {
+            struct World {
+              ViewStage views{kCharging};
+              SettingsView settings{views.context()};
+            };
+            auto world = std::make_shared<World>();
+            const SettingsModel model = settingsModel(settingsFacts(world->views.stage().app()));
+            askFirst(world->settings, model.resetQuestion, QStringLiteral("Reset"), [] {});
+            return Scenery{world, std::unique_ptr<QWidget>(world->settings.findChild<QMessageBox*>())};
+          }};
+}
+
 Scenes powerScenes() {
   return {shell("power", Section::power, {960, 900}, playADay),
           shell("power-usual", Section::power, kUsual, playADay),
@@ -137,6 +184,7 @@ Scenes powerScenes() {
           shell("power-large", Section::power, kLarge, playADay),
           shell("power-blocked", Section::power, {960, 900}, playADay, kNearlyEmpty),
           shell("power-refused", Section::power, {960, 900}, refuse, {}),
+          shell("power-right-to-left", Section::power, {960, 900}, playADay, kNearlyEmpty, Qt::RightToLeft),
           shell("power-nothing", Section::power, {960, 900}, [](ViewStage&) {}, {})};
 }
 
@@ -148,17 +196,25 @@ Scenes windowScenes() {
       shell("overview-empty", Section::overview, kUsual, [](ViewStage&) {}),
       shell("overview-low-budget", Section::overview, kUsual, playLowBudget),
       shell("overview-blocked", Section::overview, kUsual, playADay, kNearlyEmpty),
+      shell("overview-paused", Section::overview, kUsual, pause),
+      shell("overview-switched-off", Section::overview, kUsual, switchOff),
       shell("overview-refused", Section::overview, kUsual, refuse),
       shell("overview-small", Section::overview, kSmall, playLowBudget),
       shell("overview-large", Section::overview, kLarge, playADay),
       shell("overview-right-to-left", Section::overview, kUsual, playLowBudget, kCharging, Qt::RightToLeft),
       shell("appearance", Section::appearance, kUsual, [](ViewStage&) {}),
+      shell("agents", Section::agents, kUsual, playInstalledAgents),
+      shell(
+          "appearance-right-to-left", Section::appearance, kUsual, [](ViewStage&) {}, kCharging,
+          Qt::RightToLeft),
       shell("appearance-small", Section::appearance, kSmall, [](ViewStage&) {}),
       shell("settings", Section::settings, kUsual, playADay),
       shell("settings-small", Section::settings, kSmall, playADay),
       shell("settings-large", Section::settings, kLarge, playADay),
       shell("settings-right-to-left", Section::settings, {960, 1200}, playADay, kCharging, Qt::RightToLeft),
       settings("all", [](ViewStage& views) { views.stage().settings().setNotificationsEnabled(false); }),
+      withNotice(),
+      question(),
       diagnostics()};
   for (auto& scene : powerScenes()) scenes.push_back(std::move(scene));
   return scenes;

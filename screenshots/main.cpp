@@ -10,7 +10,7 @@
 
 #include "KestrelApp/ApplicationTheme.h"
 
-// Renders every scene in both themes, at one and at two device pixels per pixel.
+// Renders every scene in both themes, at one, one and a half and two device pixels per pixel.
 //   kestrel-screenshots FOLDER [PART OF A NAME]
 
 namespace kestrel {
@@ -27,8 +27,8 @@ bool haveFonts() {
   return true;
 }
 
-bool takePicture(QWidget& widget, const QString& file, int scale) {
-  QPixmap picture(widget.size() * scale);
+bool takePicture(QWidget& widget, const QString& file, double scale) {
+  QPixmap picture((QSizeF(widget.size()) * scale).toSize());
   picture.setDevicePixelRatio(scale);
   picture.fill(Qt::transparent);
   widget.render(&picture);
@@ -42,10 +42,10 @@ bool takePictures(const Scene& scene, const QString& folder, ApplicationTheme& t
     scenery.widget->show();
     // Each round lays out one level more.
     for (int round = 0; round < 10; ++round) QApplication::processEvents();
-    for (const int scale : {1, 2}) {
+    for (const double scale : {1.0, 1.5, 2.0}) {
       const QString file = folder + u'/' + QString::fromStdString(scene.name) +
-                           (scheme == Theme::Scheme::light ? "-light" : "-dark") + (scale == 1 ? "" : "@2x") +
-                           ".png";
+                           (scheme == Theme::Scheme::light ? "-light" : "-dark") +
+                           (scale == 1 ? QString() : QStringLiteral("@%1x").arg(scale)) + ".png";
       if (!takePicture(*scenery.widget, file, scale)) {
         std::fprintf(stderr, "kestrel-screenshots: %s cannot be written\n", qPrintable(file));
         return false;
@@ -76,7 +76,7 @@ int run(const QString& folder, const std::string& part) {
       ++count;
     }
   }
-  std::printf("%d scenes in both themes and two scales in %s\n", count, qPrintable(folder));
+  std::printf("%d scenes in both themes and three scales in %s\n", count, qPrintable(folder));
   return count > 0 ? 0 : 1;
 }
 

@@ -18,8 +18,8 @@ class PowerStrip final : public QWidget {
 
  private:
   struct Figure {
-    IconView* icon;
-    ElidedLabel* label;
+    IconView* icon = nullptr;
+    ElidedLabel* label = nullptr;
   };
   Figure addFigure(const char* name);
   static void showFigure(const Figure& figure, const PowerFigure& value);

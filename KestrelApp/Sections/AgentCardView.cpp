@@ -89,6 +89,7 @@ void AgentCardView::showIdentity(const AgentCard& card) {
   dot_->setVisible(!card.hosts.empty());
   state_->setText(displayText(dotted({card.stateText, card.activity})));
   status_->setText(displayText(card.statusText), toneOf(card));
+  status_->setVisible(!card.statusText.empty());
   facts_->setText(displayText(dotted({card.version.value_or(""), card.detection})));
   setUp_->setVisible(card.canBeSetUp);
   setUp_->setAccessibleName(QStringLiteral("Set up %1").arg(name));

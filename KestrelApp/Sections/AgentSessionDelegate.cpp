@@ -1,13 +1,12 @@
 #include "KestrelApp/Sections/AgentSessionDelegate.h"
 
-#include <QFontMetrics>
 #include <QPainter>
-#include <algorithm>
 
 #include "KestrelApp/AgentIconResolver.h"
 #include "KestrelApp/Sections/AgentSessionTreeModel.h"
 #include "KestrelApp/Theme.h"
 #include "KestrelApp/Widgets/DisplayText.h"
+#include "KestrelApp/Widgets/TextLine.h"
 #include "KestrelCore/Presentation/Words.h"
 
 namespace kestrel {
@@ -15,51 +14,6 @@ namespace {
 
 constexpr int kHostHeight = Theme::kButtonHeight;
 constexpr int kSessionHeight = Theme::kButtonHeight + Theme::kSpaceLarge;
-
-/// Lays texts out along a line from both of its ends, in either direction of the layout.
-class TextLine {
- public:
-  TextLine(QPainter& painter, const QRect& area, Qt::LayoutDirection direction)
-      : painter_(painter), area_(area), rest_(area), direction_(direction) {}
-
-  /// At most `part` of what is left of the line.
-  void addLeading(const QString& text, const QFont& font, const QColor& color, double part = 1) {
-    add(text, font, color, part, true);
-  }
-  void addTrailing(const QString& text, const QFont& font, const QColor& color, double part = 1) {
-    add(text, font, color, part, false);
-  }
-
- private:
-  void add(const QString& text, const QFont& font, const QColor& color, double part, bool isLeading) {
-    const QFontMetrics metrics(font);
-    const QString line = QString(text.left(kMaximumCharacters)).simplified();
-    const int width = std::min(metrics.horizontalAdvance(line) + 1, static_cast<int>(rest_.width() * part));
-    if (line.isEmpty() || width <= 0) return;
-    QRect place = rest_;
-    place.setWidth(width);
-    if (isLeading) {
-      rest_.setLeft(place.right() + 1 + Theme::kSpaceSmall);
-    } else {
-      place.moveRight(rest_.right());
-      rest_.setRight(place.left() - 1 - Theme::kSpaceSmall);
-    }
-    painter_.setFont(font);
-    painter_.setPen(color);
-    const auto edge = isLeading == (direction_ == Qt::LeftToRight) ? Qt::AlignLeft : Qt::AlignRight;
-    painter_.setLayoutDirection(line.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-    painter_.drawText(QStyle::visualRect(direction_, area_, place),
-                      static_cast<int>(edge | Qt::AlignAbsolute | Qt::AlignVCenter) | Qt::TextSingleLine,
-                      metrics.elidedText(line, Qt::ElideRight, width));
-  }
-
-  static constexpr int kMaximumCharacters = 500;
-
-  QPainter& painter_;
-  const QRect area_;
-  QRect rest_;
-  const Qt::LayoutDirection direction_;
-};
 
 }  // namespace
 
@@ -118,7 +72,7 @@ void AgentSessionDelegate::paintSession(QPainter& painter, const QStyleOptionVie
   const QColor muted = theme.color(Theme::Role::muted);
   QRect lineArea(text.left(), text.top(), text.width(), half);
   TextLine upper(painter, lineArea, option.direction);
-  upper.addTrailing(kestrel::displayText(session.lastEvent), caption, muted, 0.4);
+  upper.addTrailing(kestrel::displayText(session.lastEvent), caption, muted, 0.5);
   upper.addLeading(kestrel::displayText(session.title), Theme::font(Theme::TextStyle::body, true),
                    theme.color(Theme::Role::text), 0.7);
   upper.addLeading(kestrel::displayText(session.stateText), caption, theme.color(session.state));

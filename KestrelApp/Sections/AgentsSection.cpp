@@ -12,7 +12,6 @@
 #include "KestrelApp/Widgets/ElidedLabel.h"
 #include "KestrelApp/Widgets/SectionScrollArea.h"
 #include "KestrelCore/AppCoordinator.h"
-#include "KestrelCore/Presentation/AgentSetupModel.h"
 #include "KestrelCore/Presentation/AgentsModel.h"
 
 namespace kestrel {
@@ -60,7 +59,7 @@ void AgentsSection::check() {
 
 void AgentsSection::showSetup(AgentType agent) {
   delete setup_;
-  setup_ = new AgentSetupSheet(agentSetupModel(context().inspection, agent), this);
+  setup_ = new AgentSetupSheet(context(), agent, this);
   setup_->setAttribute(Qt::WA_DeleteOnClose);
   setup_->open();
 }

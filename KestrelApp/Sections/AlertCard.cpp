@@ -26,9 +26,10 @@ AlertCard::AlertCard(Dismiss onDismiss, QWidget* parent)
   words->addWidget(title_);
   words->addWidget(detail_);
   auto* columns = new QHBoxLayout(this);
-  columns->setContentsMargins(Theme::kSpaceLarge, Theme::kSpaceMedium, Theme::kSpaceMedium,
+  columns->setContentsMargins(Theme::kSpaceMedium, Theme::kSpaceMedium, Theme::kSpaceMedium,
                               Theme::kSpaceMedium);
   columns->setSpacing(Theme::kSpaceMedium);
+  columns->addSpacing(Theme::kSpaceTiny);
   columns->addWidget(icon_);
   columns->addLayout(words, 1);
   columns->addWidget(dismiss_);

@@ -45,7 +45,7 @@ AppearanceSection::AppearanceSection(ViewContext& context, QWidget* parent)
   for (const auto& preview : model.previews) previews->addWidget(new BlobPreviewCard(preview));
   auto* icons = new TitledCard(QStringLiteral("Status icon"));
   icons->lines().addLayout(layOutIcons(model.icons, renderer_));
-  auto* scroll = new SectionScrollArea;
+  auto* scroll = new SectionScrollArea(SectionScrollArea::kWidestOfRows);
   scroll->lines().addLayout(previews);
   scroll->lines().addWidget(icons);
   scroll->lines().addStretch(1);

@@ -22,9 +22,10 @@ AssertionRowView::AssertionRowView(QWidget* parent)
   words->addWidget(service_);
   words->addWidget(detail_);
   auto* columns = new QHBoxLayout(this);
-  // In line with the words of the fact above, which has an icon.
-  columns->setContentsMargins(Theme::kIconSize + Theme::kSpaceSmall, 0, 0, 0);
+  columns->setContentsMargins(0, 0, 0, 0);
   columns->setSpacing(Theme::kSpaceMedium);
+  // In line with the words of the fact above, which has an icon.
+  columns->addSpacing(Theme::kIconSize + Theme::kSpaceSmall);
   columns->addLayout(words, 1);
   columns->addWidget(state_);
 }

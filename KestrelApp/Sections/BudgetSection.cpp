@@ -3,7 +3,6 @@
 #include <QBoxLayout>
 #include <QDir>
 #include <QFileDialog>
-#include <QMessageBox>
 #include <QPushButton>
 #include <algorithm>
 
@@ -12,12 +11,13 @@
 #include "KestrelApp/Sections/SessionTableView.h"
 #include "KestrelApp/Theme.h"
 #include "KestrelApp/ViewContext.h"
-#include "KestrelApp/Widgets/Card.h"
+#include "KestrelApp/Widgets/AskFirst.h"
 #include "KestrelApp/Widgets/CardGridLayout.h"
 #include "KestrelApp/Widgets/DisplayText.h"
 #include "KestrelApp/Widgets/ElidedLabel.h"
 #include "KestrelApp/Widgets/SectionScrollArea.h"
 #include "KestrelApp/Widgets/StackedBarChart.h"
+#include "KestrelApp/Widgets/TitledCard.h"
 #include "KestrelCore/AppCoordinator.h"
 #include "KestrelCore/Presentation/BudgetModel.h"
 #include "KestrelCore/Presentation/ExportToFile.h"
@@ -27,22 +27,10 @@ namespace kestrel {
 namespace {
 
 constexpr int kCardWidth = 13 * Theme::kSpaceHuge;
-constexpr int kTableHeight = 14 * Theme::kSpaceHuge;
 
-ElidedLabel* makeTitle(const QString& text, Theme::TextStyle style) {
-  auto* title = new ElidedLabel(style);
-  title->setText(text);
-  title->setStrong(true);
-  return title;
-}
-
-Card* makeCard(const QString& title, QWidget* content) {
-  auto* card = new Card;
-  auto* lines = new QVBoxLayout(card);
-  lines->setContentsMargins(Theme::kSpaceLarge, Theme::kSpaceMedium, Theme::kSpaceLarge, Theme::kSpaceLarge);
-  lines->setSpacing(Theme::kSpaceSmall);
-  lines->addWidget(makeTitle(title, Theme::TextStyle::body));
-  lines->addWidget(content);
+QWidget* makeCard(const QString& title, QWidget* content) {
+  auto* card = new TitledCard(title);
+  card->lines().addWidget(content);
   return card;
 }
 
@@ -58,7 +46,6 @@ BudgetSection::BudgetSection(ViewContext& context, QWidget* parent)
       chart_(new StackedBarChart),
       sessions_(new SessionTableView(context.coordinator.clock())) {
   empty_->setTone(Tone::muted);
-  sessions_->setFixedHeight(kTableHeight);
   auto* area = new SectionScrollArea;
   area->lines().addLayout(makeHead());
   area->lines().addWidget(empty_);
@@ -82,9 +69,12 @@ QLayout* BudgetSection::makeHead() {
   result_->setTrailing(true);
   connect(export_, &QPushButton::clicked, this, [this] { askForExport(); });
   connect(reset_, &QPushButton::clicked, this, [this] { askForReset(); });
+  auto* title = new ElidedLabel(Theme::TextStyle::title);
+  title->setText(QStringLiteral("Budget"));
+  title->setStrong(true);
   auto* head = new QHBoxLayout;
   head->setSpacing(Theme::kSpaceSmall);
-  head->addWidget(makeTitle(QStringLiteral("Budget"), Theme::TextStyle::title));
+  head->addWidget(title);
   head->addWidget(result_, 1);
   head->addWidget(export_);
   head->addWidget(reset_);
@@ -102,6 +92,7 @@ void BudgetSection::refresh() {
   empty_->setText(displayText(model.emptyText));
   empty_->setVisible(!model.emptyText.empty());
   chart_->setChart(model.chart);
+  sessions_->setEmptyText(displayText(model.sessionsEmptyText));
   refreshSessions();
 }
 
@@ -128,6 +119,7 @@ void BudgetSection::refreshSessions() {
     haveSessionsChanged_ = false;
     const auto& recent = context().coordinator.usage().recentSessions().get();
     if (!sessions_->sessions().refresh(recent)) loadSessions();
+    sessions_->fitHeight();
   }
   // Their ages.
   sessions_->viewport()->update();
@@ -142,6 +134,7 @@ void BudgetSection::loadSessions() {
         if (alive.expired()) return;
         isLoading_ = false;
         sessions_->sessions().load(*sessions);
+        sessions_->fitHeight();
       });
 }
 
@@ -167,19 +160,9 @@ void BudgetSection::askForExport() {
 }
 
 void BudgetSection::askForReset() {
-  delete question_;
   const BudgetModel model = budgetModel(budgetFacts(context().coordinator, context().calendar));
-  const QString text = displayText(model.resetQuestion);
-  auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Kestrel"), text.section(u'\n', 0, 0),
-                              QMessageBox::Cancel, this);
-  box->setAttribute(Qt::WA_DeleteOnClose);
-  box->setTextFormat(Qt::PlainText);
-  box->setInformativeText(text.section(u'\n', 1));
-  box->setDefaultButton(QMessageBox::Cancel);
-  const auto* reset = box->addButton(QStringLiteral("Reset"), QMessageBox::DestructiveRole);
-  connect(reset, &QAbstractButton::clicked, this, [this] { context().coordinator.usage().resetUsageData(); });
-  question_ = box;
-  box->open();
+  askFirst(*this, model.resetQuestion, QStringLiteral("Reset"),
+           [this] { context().coordinator.usage().resetUsageData(); });
 }
 
 }  // namespace kestrel

@@ -18,11 +18,17 @@ FigureCard::FigureCard(QWidget* parent)
   value_->setStrong(true);
   caption_->setTone(Tone::muted);
   caption_->setMaximumLines(2);
-  auto* lines = new QVBoxLayout(this);
-  lines->setContentsMargins(Theme::kSpaceLarge, Theme::kSpaceMedium, Theme::kSpaceLarge, Theme::kSpaceMedium);
+  auto* lines = new QVBoxLayout;
   lines->setSpacing(Theme::kSpaceTiny);
   lines->addWidget(value_);
   lines->addWidget(caption_);
+  auto* columns = new QHBoxLayout(this);
+  columns->setContentsMargins(Theme::kSpaceSmall, Theme::kSpaceMedium, Theme::kSpaceSmall,
+                              Theme::kSpaceMedium);
+  columns->setSpacing(0);
+  // In line with other cards; a long figure may come closer to the other edge.
+  columns->addSpacing(Theme::kSpaceSmall);
+  columns->addLayout(lines, 1);
 }
 
 void FigureCard::setFigure(const OverviewFigure& figure) {

@@ -2,13 +2,13 @@
 
 #include <QBoxLayout>
 #include <QPushButton>
-#include <QScrollArea>
 #include <algorithm>
 
 #include "KestrelApp/PixelWorkerAnimationView.h"
 #include "KestrelApp/Sections/OnboardingRowView.h"
 #include "KestrelApp/Theme.h"
 #include "KestrelApp/Widgets/DisplayText.h"
+#include "KestrelApp/Widgets/VerticalScrollArea.h"
 #include "KestrelApp/Widgets/WrappedLabel.h"
 #include "KestrelCore/Presentation/KestrelBlobAvatarProvider.h"
 
@@ -19,16 +19,6 @@ constexpr int kRowsStretch = 1000;
 /// Each of the mascot's pixels is nine wide.
 constexpr int kBlobSize = 3 * Theme::kBlobSize;
 
-QScrollArea* makeScrollArea(QWidget* content) {
-  auto* area = new QScrollArea;
-  area->setWidget(content);
-  area->setWidgetResizable(true);
-  area->setFrameShape(QFrame::NoFrame);
-  area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  area->setFocusPolicy(Qt::NoFocus);
-  return area;
-}
-
 }  // namespace
 
 OnboardingPageView::OnboardingPageView(QWidget* parent)
@@ -38,7 +28,7 @@ OnboardingPageView::OnboardingPageView(QWidget* parent)
       text_(new WrappedLabel(Theme::TextStyle::body)),
       button_(new QPushButton) {
   title_->setFont(Theme::font(Theme::TextStyle::figure, true));
-  for (auto* label : {title_, text_}) label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+  for (auto* label : {title_, text_}) label->setCentered();
   text_->setMuted(true);
   button_->setProperty("primary", true);
   button_->hide();
@@ -60,7 +50,7 @@ OnboardingPageView::OnboardingPageView(QWidget* parent)
   lines->addLayout(pictures_);
   lines->addWidget(button_, 0, Qt::AlignHCenter);
   lines->addStretch(1);
-  list_ = makeScrollArea(list);
+  list_ = new VerticalScrollArea(list);
   list_->hide();
   lines->addWidget(list_, kRowsStretch);
 }
@@ -85,7 +75,7 @@ OnboardingPageView::Picture OnboardingPageView::makePicture() {
                         new WrappedLabel(Theme::TextStyle::body), new WrappedLabel(Theme::TextStyle::body)};
   picture.title->setFont(Theme::font(Theme::TextStyle::body, true));
   picture.text->setMuted(true);
-  for (auto* label : {picture.title, picture.text}) label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+  for (auto* label : {picture.title, picture.text}) label->setCentered();
   auto* column = new QVBoxLayout;
   column->setSpacing(Theme::kSpaceTiny);
   column->addWidget(picture.blob, 0, Qt::AlignHCenter);

@@ -9,7 +9,6 @@
 
 class QBoxLayout;
 class QPushButton;
-class QScrollArea;
 
 namespace kestrel {
 
@@ -44,7 +43,7 @@ class OnboardingPageView final : public QWidget {
   WrappedLabel* title_;
   WrappedLabel* text_;
   QPushButton* button_;
-  QScrollArea* list_;
+  QWidget* list_;
   QBoxLayout* rows_;
   OnboardingPage shown_;
   std::vector<Picture> pictureViews_;

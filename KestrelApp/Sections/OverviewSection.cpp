@@ -17,7 +17,7 @@
 namespace kestrel {
 namespace {
 
-constexpr int kFigureWidth = 8 * Theme::kSpaceLarge;
+constexpr int kFigureWidth = 10 * Theme::kSpaceLarge;
 
 }  // namespace
 

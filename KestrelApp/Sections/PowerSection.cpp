@@ -35,7 +35,7 @@ PowerSection::PowerSection(ViewContext& context, QWidget* parent)
   auto* machine = new CardGridLayout(kCardWidth, Theme::kSpaceMedium);
   machine->addWidget(makeHeatCard());
   machine->addWidget(makeLidCard());
-  auto* scroll = new SectionScrollArea;
+  auto* scroll = new SectionScrollArea(SectionScrollArea::kWidestOfRows);
   scroll->lines().addWidget(makeHoldCard());
   scroll->lines().addWidget(makeBatteryCard());
   scroll->lines().addLayout(machine);

@@ -16,14 +16,20 @@ class SessionTableView final : public QTableView {
   explicit SessionTableView(const Clock& clock, QWidget* parent = nullptr);
 
   [[nodiscard]] SessionTableModel& sessions() { return *model_; }
+  /// Stands in the place of rows while there are none.
+  void setEmptyText(const QString& text);
+  /// After rows came or went: as high as they are, up to a limit from which on it scrolls.
+  void fitHeight();
 
  protected:
+  void paintEvent(QPaintEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
   void setUpHeaders();
 
   SessionTableModel* model_;
+  QString emptyText_;
 };
 
 }  // namespace kestrel

@@ -45,11 +45,11 @@ SettingRowView::SettingRowView(const SettingRow& row, Apply apply, QWidget* pare
   words->addWidget(makeLabel(row.help, Theme::TextStyle::caption, Tone::muted));
   words->addWidget(status_);
   auto* columns = new QHBoxLayout(this);
-  const int trailing = row.kind == SettingKind::toggle ? 0 : kControlMargin;
-  columns->setContentsMargins(0, Theme::kSpaceTiny, trailing, Theme::kSpaceTiny);
+  columns->setContentsMargins(0, Theme::kSpaceTiny, 0, Theme::kSpaceTiny);
   columns->setSpacing(Theme::kSpaceLarge);
   columns->addLayout(words, 1);
   columns->addWidget(makeControl(), 0, Qt::AlignVCenter);
+  if (row.kind != SettingKind::toggle) columns->addSpacing(kControlMargin);
   showControl();
   showStatus();
 }

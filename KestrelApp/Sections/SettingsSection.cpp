@@ -35,7 +35,7 @@ SettingsSection::SettingsSection(ViewContext& context, QWidget* parent)
       settings_(context, [this](const std::string& key) { onApplied(key); }),
       shortcut_(new Badge),
       shortcutStatus_(new ElidedLabel(Theme::TextStyle::body)) {
-  auto* scroll = new SectionScrollArea;
+  auto* scroll = new SectionScrollArea(SectionScrollArea::kWidestOfRows);
   addGroups(scroll->lines());
   scroll->lines().addWidget(makeShortcutCard());
   scroll->lines().addWidget(makeHelpCard());
@@ -57,10 +57,11 @@ QWidget* SettingsSection::makeShortcutCard() {
   auto* card = new TitledCard(QStringLiteral("Shortcut"));
   shortcutStatus_->setMaximumLines(2);
   auto* row = new QHBoxLayout;
-  row->setContentsMargins(0, Theme::kSpaceTiny, Theme::kSpaceTiny, Theme::kSpaceTiny);
+  row->setContentsMargins(0, Theme::kSpaceTiny, 0, Theme::kSpaceTiny);
   row->setSpacing(Theme::kSpaceLarge);
   row->addWidget(shortcutStatus_, 1);
   row->addWidget(shortcut_);
+  row->addSpacing(Theme::kSpaceTiny);
   card->lines().addLayout(row);
   return card;
 }
@@ -73,7 +74,7 @@ QWidget* SettingsSection::makeHelpCard() {
       [this](const std::string&, SettingValue) { showDiagnostics(); }));
   card->lines().addWidget(new Separator);
   card->lines().addWidget(new SettingRowView(
-      buttonRow("reset", "Defaults", "Sets everything back, after asking you.", "Reset to Defaults…"),
+      buttonRow("reset", "Defaults", "Sets everything back, after asking you.", "Reset to defaults…"),
       [this](const std::string&, SettingValue) { reset(); }));
   return card;
 }

@@ -19,8 +19,7 @@ constexpr int kLeastWidth = 9 * Theme::kSpaceLarge;
 constexpr auto kShownState = KestrelVisualState::working;
 
 QPixmap pictureOf(const AppearanceIcon& icon, KestrelBlobGlyphRenderer& renderer) {
-  const QSize points = KestrelBlobGlyphRenderer::iconSize(kShownState, icon.count);
-  const QSize pixels(points.width() * icon.pixels / points.height() + 1, icon.pixels);
+  const QSize pixels = renderer.pictureSize(kShownState, icon.count, icon.pixels);
   return renderer.createStatusIcon(kShownState, 0, icon.count, !icon.isEnabled).pixmap(pixels, 1.0);
 }
 

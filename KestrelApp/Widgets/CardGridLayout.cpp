@@ -32,7 +32,10 @@ QLayoutItem* CardGridLayout::takeAt(int index) {
 
 int CardGridLayout::columnsFor(int width) const {
   const int fitting = (width + spacing()) / (minimumColumnWidth_ + spacing());
-  return std::clamp(fitting, 1, std::max(count(), 1));
+  const int columns = std::clamp(fitting, 1, std::max(count(), 1));
+  // As many in each row as can be, rather than one that is left over.
+  const int rows = (count() + columns - 1) / columns;
+  return rows > 1 ? (count() + rows - 1) / rows : columns;
 }
 
 int CardGridLayout::columnWidth(int width, int columns) const {

@@ -6,8 +6,8 @@
 
 namespace kestrel {
 
-/// Widgets beside each other in columns of one width, as many as fit, each row as high as its highest. In
-/// right-to-left layouts the first column is the right one.
+/// Widgets beside each other in columns of one width, in as few rows as fit and each row about as full, as
+/// high as its highest. In right-to-left layouts the first column is the right one.
 class CardGridLayout final : public QLayout {
  public:
   /// No column is narrower than so many logical pixels, unless there is not even room for one.
@@ -21,6 +21,7 @@ class CardGridLayout final : public QLayout {
 
   [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSize() const override;
+  [[nodiscard]] Qt::Orientations expandingDirections() const override { return Qt::Horizontal; }
   [[nodiscard]] bool hasHeightForWidth() const override { return true; }
   [[nodiscard]] int heightForWidth(int width) const override;
   void setGeometry(const QRect& area) override;

@@ -1,28 +1,34 @@
 #include "KestrelApp/Widgets/SectionScrollArea.h"
 
 #include <QBoxLayout>
-#include <QEvent>
+#include <algorithm>
 
 #include "KestrelApp/Theme.h"
 
 namespace kestrel {
+namespace {
 
-SectionScrollArea::SectionScrollArea(QWidget* parent) : QScrollArea(parent) {
-  setWidgetResizable(true);
-  setFrameShape(QFrame::NoFrame);
-  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  setFocusPolicy(Qt::NoFocus);
+constexpr int kMargin = Theme::kSpaceHuge;
+
+QWidget* makeContent() {
   auto* content = new QWidget;
-  lines_ = new QVBoxLayout(content);
-  lines_->setContentsMargins(Theme::kSpaceHuge, Theme::kSpaceHuge, Theme::kSpaceHuge, Theme::kSpaceHuge);
-  lines_->setSpacing(Theme::kSpaceMedium);
-  setWidget(content);
+  auto* lines = new QVBoxLayout(content);
+  lines->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  lines->setSpacing(Theme::kSpaceMedium);
+  return content;
 }
 
-bool SectionScrollArea::eventFilter(QObject* watched, QEvent* event) {
-  // The base asks for the content's size before the layouts inside have noticed that it changed.
-  if (watched == widget() && event->type() == QEvent::LayoutRequest) lines_->activate();
-  return QScrollArea::eventFilter(watched, event);
+}  // namespace
+
+SectionScrollArea::SectionScrollArea(int widest, QWidget* parent)
+    : VerticalScrollArea(makeContent(), parent),
+      widest_(widest),
+      lines_(static_cast<QVBoxLayout*>(widget()->layout())) {}
+
+void SectionScrollArea::resizeEvent(QResizeEvent* event) {
+  const int side = std::max(kMargin, (viewport()->width() - widest_) / 2);
+  lines_->setContentsMargins(side, kMargin, side, kMargin);
+  VerticalScrollArea::resizeEvent(event);
 }
 
 }  // namespace kestrel

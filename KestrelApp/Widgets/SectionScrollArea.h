@@ -1,23 +1,29 @@
 #pragma once
 
-#include <QScrollArea>
+#include "KestrelApp/Widgets/VerticalScrollArea.h"
 
 class QVBoxLayout;
 
 namespace kestrel {
 
-/// A section's content from top to bottom, with its margins, scrolled when it is too high. What gets the
-/// keyboard comes into sight.
-class SectionScrollArea final : public QScrollArea {
+/// A section's content from top to bottom, with its margins. Where there is more room than it can use, it
+/// stands in the middle.
+class SectionScrollArea final : public VerticalScrollArea {
  public:
-  explicit SectionScrollArea(QWidget* parent = nullptr);
+  /// For cards and charts, in logical pixels.
+  static constexpr int kWidest = 960;
+  /// For rows with a text at one end and its control at the other.
+  static constexpr int kWidestOfRows = 720;
+
+  explicit SectionScrollArea(int widest = kWidest, QWidget* parent = nullptr);
 
   [[nodiscard]] QVBoxLayout& lines() { return *lines_; }
 
  protected:
-  bool eventFilter(QObject* watched, QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
+  const int widest_;
   QVBoxLayout* lines_;
 };
 

@@ -214,8 +214,8 @@ void StackedBarChart::paintLegend(QPainter& painter) const {
     painter.fillPath(swatch, theme.series(agent));
     painter.setPen(theme.color(Theme::Role::muted));
     const int textLeft = x + kSwatch + Theme::kSpaceTiny;
-    painter.drawText(visual({textLeft, 0, next - textLeft, lineHeight()}),
-                     Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine,
+    painter.drawText(visual({textLeft, 0, next - Theme::kSpaceLarge - textLeft, lineHeight()}),
+                     Qt::AlignCenter | Qt::TextSingleLine | Qt::TextDontClip,
                      displayText(displayName(agent)));
     x = next;
   }

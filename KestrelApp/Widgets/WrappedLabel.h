@@ -6,13 +6,23 @@
 
 namespace kestrel {
 
-/// Plain text over as many lines as it needs. It can be selected with the mouse.
+/// Plain text over as many lines as it needs, from the leading edge of the layout on whichever way it runs.
+/// It can be selected with the mouse.
 class WrappedLabel final : public QLabel {
  public:
   explicit WrappedLabel(Theme::TextStyle style, QWidget* parent = nullptr);
 
   /// Normal or muted.
   void setMuted(bool isMuted);
+  void setCentered();
+
+ protected:
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void alignToLeadingEdge();
+
+  bool isCentered_ = false;
 };
 
 }  // namespace kestrel

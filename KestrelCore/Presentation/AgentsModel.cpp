@@ -25,11 +25,14 @@ std::string titleOf(const AgentSession& session) {
   return directory.substr(start, end + 1 - start);
 }
 
+/// What is only seen is never certain, also where the family has no way of reporting of its own.
+bool hasReported(const AgentSession& session) {
+  return session.integrationType != IntegrationType::process || session.confidence >= 1;
+}
+
 std::string confidenceOf(const AgentSession& session) {
-  if (session.integrationType != IntegrationType::process && session.confidence >= 1) {
-    return "Reported by the agent";
-  }
-  const char* how = session.integrationType == IntegrationType::process ? "Seen as a process" : "Reported";
+  if (session.confidence >= 1) return "Reported by the agent";
+  const char* how = hasReported(session) ? "Reported" : "Seen as a process";
   return fmt::format("{} ({} sure)", how, percentWords(session.confidence * 100));
 }
 
@@ -41,7 +44,7 @@ AgentSessionRow rowOf(const AgentSession& session, const AgentsFacts& facts) {
           .directory = shortened(session.cwd.value_or(""), facts.home),
           .age = "started " + agoText(facts.now - session.startedAt),
           .lastEvent =
-              dotted({session.lastEventDescription.value_or(""), agoText(facts.now - session.lastEventAt)}),
+              dotted({agoText(facts.now - session.lastEventAt), session.lastEventDescription.value_or("")}),
           .confidence = confidenceOf(session)};
 }
 
@@ -59,9 +62,8 @@ std::string detectionOf(AgentType agent, const AgentFamilyPresentation* family) 
   if (family == nullptr) {
     return needsNothing ? "Will be found as a process; there is nothing to set up" : "No session seen yet";
   }
-  const bool reports = std::ranges::any_of(family->sessions, [](const auto& session) {
-    return session->integrationType != IntegrationType::process;
-  });
+  const bool reports =
+      std::ranges::any_of(family->sessions, [](const auto& session) { return hasReported(*session); });
   if (reports) return "Reports its sessions itself";
   return needsNothing ? "Found as a process; there is nothing to set up"
                       : "Found as a process only; set it up to see what it does";

@@ -24,7 +24,7 @@ struct AgentSessionRow {
   std::string directory;
   /// "started 12 min ago".
   std::string age;
-  /// "tool call · 4 s ago".
+  /// "4 s ago · tool call".
   std::string lastEvent;
   /// "Reported by the agent", "Seen as a process (60 % sure)".
   std::string confidence;

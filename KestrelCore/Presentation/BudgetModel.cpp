@@ -100,6 +100,7 @@ BudgetModel budgetModel(const BudgetFacts& facts) {
   if (model.cards.empty()) {
     model.emptyText = facts.today ? "No agent has reported its budget yet" : "Usage is being read";
   }
+  model.sessionsEmptyText = facts.today ? "No session has used tokens yet" : "Usage is being read";
   model.chart = tokenChart(*facts.days, *facts.calendar);
   model.resetQuestion =
       "Forget all recorded usage?\nTokens, costs and sessions of every day are deleted and cannot be brought "

@@ -67,6 +67,8 @@ struct BudgetModel {
   /// What to say when there is no card.
   std::string emptyText;
   TokenChart chart;
+  /// What to say when there is no session.
+  std::string sessionsEmptyText;
   /// What Reset asks: what is lost.
   std::string resetQuestion;
 

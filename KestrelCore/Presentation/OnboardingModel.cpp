@@ -20,7 +20,7 @@ OnboardingRow agentRow(AgentType agent, const IntegrationStatus& status) {
   const bool needsSetUp = status.isInstalled && !status.isIntegrationActive &&
                           defaultIntegrationType(agent) != IntegrationType::process;
   return {std::string(rawValue(agent)), std::string(displayName(agent)), status.statusMessage,
-          status.isInstalled && !needsSetUp, needsSetUp ? "Set Up…" : ""};
+          status.isInstalled && !needsSetUp, needsSetUp ? "Set up…" : ""};
 }
 
 OnboardingPage agents(const std::optional<AgentInspection::Result>& result) {
@@ -50,7 +50,7 @@ OnboardingRow notificationsRow(const OnboardingFacts& facts) {
     row.isDone = true;
   } else {
     row.text = "Switched off in the settings.";
-    row.action = "Switch On";
+    row.action = "Switch on";
   }
   return row;
 }
@@ -68,6 +68,16 @@ OnboardingRow helperRow(const OnboardingFacts& facts) {
   return row;
 }
 
+std::string momentText(double seconds) {
+  return seconds < 0.1 ? "less than 0.1 s" : fmt::format("{:.1f} s", seconds);
+}
+
+/// "wanted: login manager is not running", without what the sentence says already.
+std::string obstacles(const std::string& hold) {
+  const std::size_t colon = hold.find(": ");
+  return colon == std::string::npos ? "no answer" : hold.substr(colon + 2);
+}
+
 std::string trialText(const OnboardingTrial::Report& report) {
   using Step = OnboardingTrial::Step;
   switch (report.step) {
@@ -78,13 +88,13 @@ std::string trialText(const OnboardingTrial::Report& report) {
     case Step::accepted:
       return "Kestrel took the event and asks the system to stay awake…";
     case Step::held:
-      return fmt::format("It works: this computer is held awake, {}. That took {:.1f} s.", report.detail,
-                         report.holdAfterSeconds.value_or(0));
+      return fmt::format("It works: this computer is held awake, {}. That took {}.", report.detail,
+                         momentText(report.holdAfterSeconds.value_or(0)));
     case Step::blocked:
       return fmt::format("Kestrel took the event, but may not hold now: {}.", report.detail);
     case Step::notConfirmed:
       return fmt::format("Kestrel took the event, but the system did not confirm the hold: {}.",
-                         report.detail.empty() ? "no answer" : report.detail);
+                         obstacles(report.detail));
     case Step::failed:
       return fmt::format("The event did not get through. {}.", report.detail);
   }
@@ -117,8 +127,8 @@ OnboardingModel onboardingModel(const OnboardingFacts& facts) {
                  agents(*facts.inspection),
                  {"Permissions", "Both are optional.", {}, {notificationsRow(facts), helperRow(facts)}},
                  {"Try it", trialText(facts.trial), {{trialMood(facts.trial.step), "", ""}}, {}}};
-  const bool wasTried = facts.trial.step != OnboardingTrial::Step::notTried;
-  model.trialButton = wasTried ? "Try Again" : "Send a Test Event";
+  const bool wasTried = facts.trial.step != OnboardingTrial::Step::notTried && !facts.trialIsUnderWay;
+  model.trialButton = wasTried ? "Try again" : "Send a test event";
   model.canTry = !facts.trialIsUnderWay;
   return model;
 }

@@ -80,8 +80,10 @@ std::vector<OverviewAlert> alerts(const OverviewFacts& facts) {
 }  // namespace
 
 OverviewModel overviewModel(const OverviewFacts& facts) {
+  // What is in its way stands in the headline.
+  const bool isInForce = facts.popover.hold.state == HoldState::inForce;
   return {headlineModel(facts.popover.display, facts.popover.hold),
-          describeHold(facts.popover.hold),
+          isInForce ? describeHold(facts.popover.hold) : "",
           timelineBand(*facts.timeline, *facts.calendar, facts.popover.now),
           {heldToday(facts), activeAgents(facts), tokensToday(facts), costToday(facts)},
           alerts(facts)};

@@ -51,7 +51,7 @@ struct OverviewFacts {
 struct OverviewModel {
   /// The popover's.
   HeadlineModel headline;
-  /// How far the system follows: "in force (login manager)"; empty without a hold.
+  /// How far the system follows: "in force (login manager)"; empty while it does not.
   std::string hold;
   TimelineBand band;
   /// Held today, active agents, tokens today, cost today.

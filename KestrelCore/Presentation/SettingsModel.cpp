@@ -103,7 +103,7 @@ SettingGroup general(const SettingsFacts& facts) {
   return {
       "General",
       {std::move(login), action("hasCompletedOnboarding", "Introduction",
-                                "What Kestrel does, how agents are set up, and a trial.", "Show Again…")}};
+                                "What Kestrel does, how agents are set up, and a trial.", "Show again…")}};
 }
 
 struct Switch {
@@ -173,7 +173,7 @@ SettingsModel settingsModel(const SettingsFacts& facts) {
   model.shortcutStatus = facts.shortcutWorks ? "Switches Kestrel on and off from anywhere"
                                              : "Does not work here: the system lets no program hear it";
   model.resetQuestion =
-      "Set everything back to its default?\nEvery setting here is lost, but for Open at Login. Recorded "
+      "Set everything back to its default?\nEvery setting here is lost, but for Open at login. Recorded "
       "usage "
       "stays.";
   return model;

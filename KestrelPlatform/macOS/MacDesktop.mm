@@ -32,6 +32,11 @@ std::unique_ptr<TrayHost> makeTrayHost(Executor&, const std::shared_ptr<LogSink>
   return std::make_unique<MacTrayHost>();
 }
 
+RegistrationPtr followDarkPreference(Executor&, const std::shared_ptr<LogSink>&,
+                                     std::function<void(std::optional<bool>)>) {
+  return nullptr;
+}
+
 std::optional<std::filesystem::path> companionProgram(const std::string&) {
   return std::nullopt;
 }

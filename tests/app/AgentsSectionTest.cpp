@@ -15,6 +15,7 @@
 #include "KestrelApp/Sections/AgentSessionTreeModel.h"
 #include "KestrelApp/Sections/AgentSessionTreeView.h"
 #include "KestrelApp/Sections/AgentsSection.h"
+#include "KestrelApp/Widgets/ElidedLabel.h"
 #include "KestrelCore/Presentation/AgentSetupModel.h"
 
 namespace kestrel {
@@ -108,12 +109,22 @@ TEST_F(AgentsSectionTest, ChecksAgainAndSaysHowAnAgentIsSetUp) {
   views_.inspect();
   passTime();
   EXPECT_TRUE(card("gemini")->accessibleDescription().contains("Installed (Hooks not configured)"));
+  views_.writeHome(".claude/settings.json", "{}");
   QTest::mouseClick(buttonIn(*card("claude"), "Set up…"), Qt::LeftButton);
   auto* sheet = childOf<AgentSetupSheet>(section_);
   QTest::keyClick(buttonIn(*sheet, "Classic"), Qt::Key_Space);
   QTest::keyClick(buttonIn(*sheet, "Copy"), Qt::Key_Space);
   const auto model = agentSetupModel(views_.context().inspection, AgentType::claude);
   EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), model.snippets.back().text);
+  const auto* status = childOf<ElidedLabel>(*sheet, "status");
+  EXPECT_TRUE(status->text().startsWith("Hook active")) << "as of the last check";
+  QTest::keyClick(buttonIn(*sheet, "Check again"), Qt::Key_Space);
+  EXPECT_FALSE(buttonIn(*sheet, "Check again")->isEnabled());
+  views_.inspect();
+  EXPECT_TRUE(status->text().startsWith("Installed (Hooks not configured)")) << status->text().toStdString();
+  QTest::keyClick(buttonIn(*sheet, "Close"), Qt::Key_Space);
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  views_.inspect();
 }
 
 }  // namespace

@@ -102,14 +102,36 @@ TEST_F(BudgetSectionTest, AsksBeforeItForgets) {
 }
 
 TEST_F(BudgetSectionTest, SavesWhereOneChoosesAndSaysHowItWent) {
-  const QString file = QString::fromStdString((views_.stage().app().directories().home / "u.json").string());
-  QTest::mouseClick(buttonIn(section_, "Export…"), Qt::LeftButton);
-  emit section_.findChild<QFileDialog*>()->fileSelected(file);
-  EXPECT_TRUE(QTest::qWaitFor([&] {
-    settle();
-    return childOf<ElidedLabel>(section_, "result")->text() == "Saved as " + file;
-  }));
-  EXPECT_TRUE(QFile::exists(file));
+  const QString home = QString::fromStdString(views_.stage().app().directories().home.string());
+  const struct {
+    QString file;
+    QString said;
+  } rows[] = {{home + "/u.json", "Saved as " + home + "/u.json"},
+              {home + "/u.json/below-a-file.json", "Nothing was saved"}};
+  for (const auto& [file, said] : rows) {
+    QTest::mouseClick(buttonIn(section_, "Export…"), Qt::LeftButton);
+    emit section_.findChild<QFileDialog*>()->fileSelected(file);
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+      settle();
+      return childOf<ElidedLabel>(section_, "result")->text().startsWith(said);
+    })) << childOf<ElidedLabel>(section_, "result")->text().toStdString();
+    EXPECT_EQ(QFile::exists(file), said.startsWith("Saved"));
+  }
+}
+
+TEST_F(BudgetSectionTest, TenThousandSessionsScrollInAPlaceOfTheirOwn) {
+  const int before = table_->height();
+  std::vector<SessionUsageRecord> many;
+  for (int i = 0; i < 10'000; ++i) many.push_back(record(i, 1000 + i));
+  table_->sessions().load(many);
+  table_->fitHeight();
+  table_->selectRow(0);
+  QTest::keyClick(table_, Qt::Key_End, Qt::ControlModifier);
+  EXPECT_EQ(idOf(table_->currentIndex()), "s0") << "the oldest";
+  EXPECT_TRUE(table_->viewport()->rect().contains(table_->visualRect(table_->currentIndex()).center()));
+  QTest::keyClick(table_, Qt::Key_Up, Qt::ControlModifier);
+  EXPECT_EQ(idOf(table_->model()->index(0, 0)), "s0");
+  EXPECT_LT(table_->height(), 3 * before);
 }
 
 TEST_F(BudgetSectionTest, TellsTheValuesOfADayByMouseAndByKeys) {

@@ -2,6 +2,9 @@
 #include <QImage>
 #include <QPixmap>
 #include <gtest/gtest.h>
+#include <set>
+#include <utility>
+#include <vector>
 
 #include "KestrelApp/GlyphCanvas.h"
 #include "KestrelApp/KestrelBlobGlyphRenderer.h"
@@ -30,8 +33,8 @@ TEST(GlyphRenderer, WidensForTheCount) {
 TEST(GlyphRenderer, DrawsEachTraySizeOnceAndMasksForTintedBars) {
   KestrelBlobGlyphRenderer renderer(KestrelBlobAvatarProvider::shared(), false);
   const QIcon icon = renderer.createStatusIcon(State::working, 2, 3, false);
-  EXPECT_EQ(icon.availableSizes(),
-            (QList<QSize>{{20, 16}, {27, 22}, {29, 24}, {39, 32}, {54, 44}, {59, 48}}));
+  EXPECT_EQ(icon.availableSizes(), (QList<QSize>{{16, 16}, {22, 22}, {24, 24}, {32, 32}, {44, 44}, {48, 48}}))
+      << "panels squeeze what is wider";
   EXPECT_FALSE(icon.isMask());
   const auto keyOf = [&](int frame, std::int64_t count, bool isDisabled) {
     return renderer.createStatusIcon(State::working, frame, count, isDisabled).cacheKey();
@@ -43,7 +46,9 @@ TEST(GlyphRenderer, DrawsEachTraySizeOnceAndMasksForTintedBars) {
     EXPECT_NE(other, icon.cacheKey());
 
   KestrelBlobGlyphRenderer tinted(KestrelBlobAvatarProvider::shared(), true);
-  EXPECT_TRUE(tinted.createStatusIcon(State::idle, 0, 0, false).isMask());
+  const QIcon mask = tinted.createStatusIcon(State::working, 0, 3, false);
+  EXPECT_TRUE(mask.isMask());
+  EXPECT_EQ(mask.availableSizes(), (QList<QSize>{{22, 18}, {44, 36}}));
 }
 
 TEST(GlyphRenderer, KeepsTheBodysOutlineWhenDisabled) {
@@ -60,11 +65,11 @@ TEST(GlyphRenderer, KeepsTheBodysOutlineWhenDisabled) {
 
 TEST(GlyphCanvas, ScalesByWholePixelsAndStaysInside) {
   const PixelSpriteFrame dot(16, 16, std::vector<PixelRGBA>(256, PixelRGBA::red));
-  GlyphCanvas canvas(18, 44);
-  canvas.drawFrame(dot);
-  EXPECT_EQ(canvas.pixelAt(6, 12), PixelRGBA::red);
-  EXPECT_EQ(canvas.pixelAt(37, 43), PixelRGBA::red);
-  for (const auto& [x, y] : {std::pair{5, 43}, {38, 43}, {6, 11}, {-1, 0}, {0, 44}})
+  GlyphCanvas canvas(44, 44);
+  canvas.drawFrame(dot, false);
+  EXPECT_EQ(canvas.pixelAt(6, 6), PixelRGBA::red);
+  EXPECT_EQ(canvas.pixelAt(37, 37), PixelRGBA::red);
+  for (const auto& [x, y] : {std::pair{5, 37}, {38, 37}, {6, 5}, {6, 38}, {-1, 0}, {0, 44}})
     EXPECT_EQ(canvas.pixelAt(x, y), PixelRGBA::clear) << x << "," << y;
   canvas.addHairline();
   EXPECT_NE(canvas.pixelAt(5, 20).a, 0);
@@ -72,24 +77,36 @@ TEST(GlyphCanvas, ScalesByWholePixelsAndStaysInside) {
   EXPECT_EQ(canvas.pixelAt(4, 20), PixelRGBA::clear);
 }
 
-/// Digits as they can be read, and apart from the picture's edges, at every size.
-TEST(GlyphCanvas, WritesTwoDigitsAtMost) {
-  const PixelSpriteFrame nothing(16, 16, {});
-  const auto drawn = [&](std::int64_t count, int height) {
-    GlyphCanvas canvas(26, height);
-    canvas.drawFrame(nothing);
-    canvas.drawCount(count);
+/// Draws every count, on nothing.
+void expectToTellCountsApart(int width, int height, GlyphCanvas::CountStyle style) {
+  std::set<std::vector<std::uint32_t>> seen;
+  for (int count = 1; count <= 99; ++count) {
+    GlyphCanvas canvas(width, height);
+    canvas.drawFrame(PixelSpriteFrame(16, 16, {}), false);
+    canvas.drawCount(count, style);
+    const bool isTinted = style == GlyphCanvas::CountStyle::plain;
+    std::vector<std::uint32_t> shown;
+    for (const PixelRGBA& pixel : canvas.pixels())
+      shown.push_back(isTinted ? pixel.a : static_cast<std::uint32_t>(pixel.a) << 8U | pixel.g);
+    EXPECT_TRUE(seen.insert(std::move(shown)).second) << count << " at " << height;
+  }
+}
+
+TEST(GlyphCanvas, WritesEachCountInEachSizeDifferently) {
+  using Style = GlyphCanvas::CountStyle;
+  for (const int height : {16, 22, 24, 32, 44, 48}) expectToTellCountsApart(height, height, Style::grounded);
+  // What is tinted shows nothing but its shape.
+  for (const int height : {18, 36}) expectToTellCountsApart(26 * height / 18, height, Style::plain);
+}
+
+TEST(GlyphCanvas, WritesNinetyNineForMore) {
+  const auto drawn = [](std::int64_t count) {
+    GlyphCanvas canvas(22, 22);
+    canvas.drawCount(count, GlyphCanvas::CountStyle::grounded);
     return canvas.pixels();
   };
-  for (const int height : {16, 22, 24, 32, 44, 48}) {
-    EXPECT_EQ(drawn(100, height), drawn(99, height));
-    EXPECT_NE(drawn(99, height), drawn(98, height));
-    GlyphCanvas canvas(26, height);
-    canvas.drawFrame(nothing);
-    canvas.drawCount(88);
-    for (int y = 0; y < height; ++y)
-      EXPECT_NE(canvas.pixelAt(canvas.width() - 1, y), PixelRGBA::white) << height;
-  }
+  EXPECT_EQ(drawn(100), drawn(99));
+  EXPECT_NE(drawn(99), drawn(98));
 }
 
 }  // namespace

@@ -1,9 +1,12 @@
+#include <QSlider>
 #include <QStackedWidget>
+#include <cstdlib>
 
 #include "tests/app/WindowTest.h"
 
 #include "KestrelApp/KestrelAppShellView.h"
 #include "KestrelApp/Sections/AlertCard.h"
+#include "KestrelApp/Sections/SettingRowView.h"
 #include "KestrelApp/Widgets/SidebarButton.h"
 #include "KestrelApp/Widgets/TimelineBandView.h"
 
@@ -40,27 +43,60 @@ TEST_F(KestrelAppShellViewTest, SectionsAreReachedByKeyAndMouseAndMadeOnFirstUse
   EXPECT_EQ(stack.count(), 6);
 }
 
-// Each stop of the keyboard is seen, and can be named by who does not see it.
 TEST_F(KestrelAppShellViewTest, TheTabKeyReachesEverythingAndEveryStopHasAName) {
-  playTwoAgents(stage_);
+  playInstalledAgents(views_);
   show(view_);
-  for (const auto section : {Section::overview, Section::appearance, Section::power, Section::settings}) {
-    view_.showSection(section);
-    entries()[static_cast<std::size_t>(section)]->setFocus();
-    std::set<QWidget*> stops;
-    while (stops.insert(QApplication::focusWidget()).second) {
-      const auto* stop = QApplication::focusWidget();
-      const auto* button = dynamic_cast<const QAbstractButton*>(stop);
-      EXPECT_FALSE(stop->accessibleName().isEmpty() && (button == nullptr || button->text().isEmpty()))
-          << stop->metaObject()->className();
-      EXPECT_FALSE(stop->visibleRegion().isEmpty()) << stop->accessibleName().toStdString();
-      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-    }
-    for (auto* button : visible<QAbstractButton>(view_)) {
-      if (!button->isEnabled() || dynamic_cast<SidebarButton*>(button) != nullptr) continue;
-      EXPECT_TRUE(stops.contains(button)) << button->accessibleName().toStdString();
-    }
+  for (int i = 0; i < 6; ++i) {
+    view_.showSection(static_cast<Section>(i));
+    evaluate();
+    entries()[static_cast<std::size_t>(i)]->setFocus();
+    // One entry of the sidebar, from which the arrow keys lead to the others.
+    expectKeyboardReachesAll(view_, [](const QAbstractButton& button) {
+      return dynamic_cast<const SidebarButton*>(&button) != nullptr;
+    });
   }
+}
+
+// A control that has the keyboard follows like any other, and keeps it.
+TEST_F(KestrelAppShellViewTest, TheSettingsOfThePowerSectionAreTheSameAndFollowWhatOthersChange) {
+  show(view_);
+  view_.showSection(Section::power);
+  evaluate();
+  auto& floor = *childOf<SettingRowView>(view_, "batteryFloorPercent")->findChild<QSlider*>();
+  auto& onlyOnAC = *childOf<SettingRowView>(view_, "onlyOnAC")->findChild<QAbstractButton*>();
+  floor.setFocus();
+  QTest::keyClick(&floor, Qt::Key_Right);
+  EXPECT_EQ(stage_.settings().batteryFloorPercent(), 16);
+  stage_.settings().setBatteryFloorPercent(40);
+  evaluate();
+  EXPECT_TRUE(floor.hasFocus());
+  QTest::keyClick(&floor, Qt::Key_Left);
+  EXPECT_EQ(stage_.settings().batteryFloorPercent(), 39) << "from where it is now";
+  onlyOnAC.setFocus();
+  stage_.settings().setOnlyOnAC(true);
+  evaluate();
+  QTest::keyClick(&onlyOnAC, Qt::Key_Space);
+  EXPECT_FALSE(stage_.settings().onlyOnAC());
+}
+
+TEST_F(KestrelAppShellViewTest, TheHoursFollowAnotherTimeZone) {
+  ::setenv("TZ", "UTC", 1);
+  show(view_);
+  stage_.hook("c", AgentType::claude, AgentState::working);
+  evaluate();
+  auto* const band = visible<TimelineBandView>(view_).at(0);
+  const auto hours = [&] {
+    QTest::keyClick(band, Qt::Key_End);
+    return band->accessibleDescription().section(u'(', 0, 0).toStdString();
+  };
+  const std::string before = hours();
+  ::setenv("TZ", "Asia/Kolkata", 1);
+  evaluate();
+  EXPECT_NE(hours(), before);
+  ::setenv("TZ", "UTC", 1);
+  evaluate();
+  EXPECT_EQ(hours(), before);
+  ::unsetenv("TZ");
 }
 
 TEST_F(KestrelAppShellViewTest, AnAlertStaysAwayUntilItIsAnother) {

@@ -1,9 +1,14 @@
+#include <QtGlobal>
+#include <chrono>
 #include <fcntl.h>
+#include <future>
 #include <gmock/gmock.h>
+#include <thread>
 #include <unistd.h>
 
 #include "tests/core/TestSupport.h"
 
+#include "KestrelApp/DisplayGuard.h"
 #include "KestrelApp/Launch.h"
 #include "KestrelApp/SessionHandover.h"
 
@@ -26,6 +31,23 @@ TEST(Launch, CannotLoopAfterALostDisplay) {
   for (const char* strange : {"--after-display=", "--after-display=x", "--after-display=1"})
     EXPECT_EQ(sessionsOfLostDisplay({"kestrel", strange}), -1) << strange;
   EXPECT_EQ(sessionsOfLostDisplay({"kestrel", "--headless"}), std::nullopt);
+}
+
+/// Qt tells of a lost display on several threads, and each ends the process when it has.
+TEST(DisplayGuardDeathTest, LeavesOnceAndLetsNobodyEndTheProcessMeanwhile) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto lose = [] { qWarning("The Wayland connection broke. Did the Wayland compositor die?"); };
+  const auto live = [&] {
+    std::promise<void> ended;
+    std::thread other;
+    const DisplayGuard guard(Logger(nullptr, "test"), [&] {
+      other = std::thread([&] { lose(), ended.set_value(); });
+      const auto fate = ended.get_future().wait_for(std::chrono::milliseconds(200));
+      ::_exit(fate == std::future_status::timeout ? 7 : 1);
+    });
+    lose();
+  };
+  EXPECT_EXIT(live(), testing::ExitedWithCode(7), "");
 }
 
 AgentSessionPtr session(const std::string& id, AgentState state, IntegrationType integration) {

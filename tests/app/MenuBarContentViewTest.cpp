@@ -1,22 +1,17 @@
 #include <QAbstractButton>
-#include <QApplication>
 #include <QMenu>
-#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTest>
-#include <gmock/gmock.h>
 
-#include "screenshots/Sessions.h"
+#include "tests/app/WindowTest.h"
 
-#include "KestrelApp/ApplicationTheme.h"
 #include "KestrelApp/MenuBarContentView.h"
 #include "KestrelApp/Widgets/ElidedLabel.h"
 
 namespace kestrel {
 namespace {
 
-class MenuBarContentViewTest : public testing::Test {
+class MenuBarContentViewTest : public WindowTest {
  protected:
   MenuBarContentViewTest() {
     view_.onOpenShell = [this] { calls_ += "shell "; };
@@ -24,11 +19,7 @@ class MenuBarContentViewTest : public testing::Test {
     view_.onSetUpAgents = [this] { calls_ += "agents "; };
     view_.onDismiss = [this] { calls_ += "dismiss "; };
   }
-  void show() {
-    view_.show();
-    QApplication::setActiveWindow(&view_);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&view_));
-  }
+  void show() { WindowTest::show(view_); }
   template <typename Widget = QAbstractButton>
   Widget& find(const char* name) {
     auto* const found = view_.findChild<QWidget*>(name);
@@ -51,9 +42,7 @@ class MenuBarContentViewTest : public testing::Test {
     static_cast<QPushButton&>(find("pause")).menu()->actions().at(entry)->trigger();
   }
 
-  ApplicationTheme theme_{*qApp};
-  Stage stage_{{.batteryPercent = 82, .isOnAC = true, .isCharging = true}};
-  MenuBarContentView view_{stage_.app()};
+  MenuBarContentView view_{views_.context()};
   std::string calls_;
 };
 
@@ -127,6 +116,8 @@ TEST_F(MenuBarContentViewTest, IsLiveOnlyWhileItCanBeSeen) {
   stage_.machine().userDefaults->changeFromOutside("masterEnabled", false);
   stage_.machine().userDefaults->fireOutsideChange();
   stage_.executor().runPending();
+  EXPECT_EQ(text("headline"), "Ready") << "it was refreshed a moment ago";
+  stage_.executor().advance(0.5);
   EXPECT_EQ(text("headline"), "Blocked");
   EXPECT_FALSE(find("master").isChecked());
   view_.hide();
@@ -151,7 +142,7 @@ TEST_F(MenuBarContentViewTest, FocusScrollPositionAndMenuSurviveChanges) {
   stage_.hook("late", AgentType::claude, AgentState::waiting);
   stage_.report(reportOf(AgentType::codex, 10'000, 90, 1, stage_.clock().now()));
   stage_.clock().advance(60);
-  stage_.app().evaluate();
+  evaluate();
   EXPECT_EQ(text("detail"), "for 13 min 04 s · lid hold on");
   EXPECT_EQ(&find<QWidget>("windsurf"), &row);
   EXPECT_EQ(view_.focusWidget(), &row);
@@ -162,7 +153,7 @@ TEST_F(MenuBarContentViewTest, FocusScrollPositionAndMenuSurviveChanges) {
   for (const auto& session : stage_.app().activeSessionsList().get()) {
     if (session->agentType == AgentType::gemini) stage_.app().agentCoordinator().removeSession(session->id);
   }
-  stage_.executor().runPending();
+  evaluate();
   EXPECT_EQ(view_.findChild<QWidget*>("gemini"), nullptr);
   EXPECT_EQ(view_.focusWidget(), &row);
 }

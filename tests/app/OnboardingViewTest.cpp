@@ -52,11 +52,11 @@ TEST_F(OnboardingViewTest, SetsUpAgentsAndSwitchesNotificationsOn) {
   playInstalledAgents(views_);
   settings().setNotificationsEnabled(false);
   showPage(2);
-  click("Set Up…");
+  click("Set up…");
   EXPECT_EQ(childOf<AgentSetupSheet>(view_)->windowTitle(), "Set up Codex CLI");
   childOf<AgentSetupSheet>(view_)->close();
   click("Next");
-  click("Switch On");
+  click("Switch on");
   EXPECT_TRUE(settings().notificationsEnabled());
 }
 
@@ -66,8 +66,8 @@ TEST_F(OnboardingViewTest, ShowsAHoldArriveThroughTheRealSocket) {
       std::vector<HoldEvidence>{{"login manager", HoldKind::idle, HoldEvidenceState::held, "1"}});
   stage.app().start();
   showPage(4);
-  click("Send a Test Event");
-  EXPECT_FALSE(buttonIn(view_, "Try Again")->isEnabled());
+  click("Send a test event");
+  EXPECT_FALSE(buttonIn(view_, "Send a test event")->isEnabled());
   EXPECT_TRUE(QTest::qWaitFor([&] {
     stage.executor().advance(0.01);
     return std::ranges::any_of(childrenOf<WrappedLabel>(view_),

@@ -14,8 +14,7 @@ ExecutorSubject makeQt() {
           }};
 }
 
-INSTANTIATE_TEST_SUITE_P(Executors, ExecutorContract, testing::Values(ExecutorKind{"qt", makeQt}),
-                         nameOfExecutor);
+INSTANTIATE_TEST_SUITE_P(Executors, ExecutorContract, testing::Values(ExecutorKind{"qt", makeQt}));
 
 }  // namespace
 }  // namespace kestrel

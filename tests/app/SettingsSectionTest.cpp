@@ -7,8 +7,11 @@
 
 #include "tests/app/WindowTest.h"
 
+#include "KestrelApp/AgentSetupSheet.h"
 #include "KestrelApp/DiagnosticsSheet.h"
+#include "KestrelApp/OnboardingView.h"
 #include "KestrelApp/Sections/SettingsSection.h"
+#include "KestrelApp/SettingsView.h"
 #include "KestrelApp/Widgets/ElidedLabel.h"
 #include "KestrelCore/Control/SettingsCatalog.h"
 #include "KestrelCore/Support/Json.h"
@@ -136,6 +139,29 @@ TEST_F(SettingsSectionTest, DiagnosticsAreGatheredAfterTheSheetShowsAndCanBeTake
   EXPECT_TRUE(QTest::qWaitFor([&] { return stage_.executor().runPending(), result->text() != "Copied"; }));
   std::ifstream file(chosen);
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), text().toStdString());
+}
+
+// The windows beside the main one.
+TEST_F(SettingsSectionTest, TheKeyboardReachesEverythingInEachWindow) {
+  playInstalledAgents(views_);
+  section_.hide();
+  // Among several ways the arrow keys choose.
+  const auto isReachedOtherwise = [](const QAbstractButton& button) { return button.group() != nullptr; };
+  SettingsView settings(views_.context());
+  DiagnosticsSheet diagnostics(views_.context());
+  AgentSetupSheet setup(views_.context(), AgentType::claude);
+  OnboardingView welcome(views_.context());
+  for (QWidget* window : std::initializer_list<QWidget*>{&settings, &diagnostics, &setup, &welcome}) {
+    show(*window);
+    evaluate();
+    expectKeyboardReachesAll(*window, isReachedOtherwise);
+    for (int page = 2; page <= 4 && window == &welcome; ++page) {
+      QTest::keyClick(window, Qt::Key_Return);
+      layOut();
+      expectKeyboardReachesAll(*window, isReachedOtherwise);
+    }
+    window->hide();
+  }
 }
 
 }  // namespace

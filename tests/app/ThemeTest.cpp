@@ -50,11 +50,19 @@ Linear seenBy(const std::array<Linear, 3>& eyes, const Linear& c) {
   return seen;
 }
 
-class ThemeTest : public testing::TestWithParam<Theme::Scheme> {};
-INSTANTIATE_TEST_SUITE_P(Schemes, ThemeTest, testing::Values(Theme::Scheme::light, Theme::Scheme::dark));
+struct Scheme {
+  Theme::Scheme scheme;
+  friend void PrintTo(const Scheme& each, std::ostream* out) {
+    *out << (each.scheme == Theme::Scheme::light ? "light" : "dark");
+  }
+};
+
+class ThemeTest : public testing::TestWithParam<Scheme> {};
+INSTANTIATE_TEST_SUITE_P(Schemes, ThemeTest,
+                         testing::Values(Scheme{Theme::Scheme::light}, Scheme{Theme::Scheme::dark}));
 
 TEST_P(ThemeTest, EveryTextCanBeRead) {
-  const Theme& theme = Theme::of(GetParam());
+  const Theme& theme = Theme::of(GetParam().scheme);
   for (const Role background : {Role::window, Role::surface, Role::raised}) {
     for (const Role text : {Role::text, Role::muted, Role::accent, Role::good, Role::warn, Role::bad}) {
       // Buttons, menus and tool tips have no coloured texts.
@@ -67,7 +75,7 @@ TEST_P(ThemeTest, EveryTextCanBeRead) {
 }
 
 TEST_P(ThemeTest, AgentsAreToldApartByAllEyes) {
-  const Theme& theme = Theme::of(GetParam());
+  const Theme& theme = Theme::of(GetParam().scheme);
   const std::array<std::array<Linear, 3>, 4> eyes{
       {{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
        {{{0.152286, 1.052583, -0.204868}, {0.114503, 0.786281, 0.099216}, {-0.003882, -0.048116, 1.051998}}},

@@ -1,16 +1,23 @@
 #include <QApplication>
+#include <QBoxLayout>
 #include <QHelpEvent>
 #include <QImage>
+#include <QPainter>
 #include <QPixmap>
 #include <QToolTip>
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <utility>
 
+#include "tests/app/ViewTestSupport.h"
+
 #include "KestrelApp/PixelWorkerAnimationView.h"
 #include "KestrelApp/Theme.h"
+#include "KestrelApp/Widgets/CardGridLayout.h"
 #include "KestrelApp/Widgets/ElidedLabel.h"
 #include "KestrelApp/Widgets/Gauge.h"
+#include "KestrelApp/Widgets/SectionScrollArea.h"
+#include "KestrelApp/Widgets/TextLine.h"
 #include "KestrelApp/Widgets/ToolTipText.h"
 #include "KestrelCore/Presentation/KestrelBlobAvatarProvider.h"
 
@@ -58,6 +65,67 @@ TEST(ElidedLabelTest, NamesOfAnyLengthAndDirectionStayInside) {
     }
   }
   EXPECT_EQ(toolTipText("<$0.01 & more\nnext"), "<qt>&lt;$0.01 &amp; more<br>next</qt>");
+}
+
+TEST(TextLineTest, TextsStandAtTheEdgeOfTheLayoutAndRunInTheirOwnDirection) {
+  constexpr int kWidth = 300;
+  const auto columnsOf = [](Qt::LayoutDirection direction, bool isLeading, const QString& text) {
+    QImage image(kWidth, 20, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    TextLine line(painter, image.rect(), direction);
+    const QFont font = Theme::font(Theme::TextStyle::body);
+    isLeading ? line.addLeading(text, font, Qt::black) : line.addTrailing(text, font, Qt::black);
+    painter.end();
+    return drawnColumns(image);
+  };
+  for (const QString& text : {QString("13 min ago"), QString("$1.11 est."), QString("שלום עולם")}) {
+    for (const bool isLeading : {true, false}) {
+      const auto [left, right] = columnsOf(Qt::LeftToRight, isLeading, text);
+      const auto mirrored = columnsOf(Qt::RightToLeft, !isLeading, text);
+      EXPECT_TRUE(isLeading ? left <= 4 : right >= kWidth - 5);
+      EXPECT_EQ(mirrored, std::pair(left, right)) << "the same picture, whichever way the layout runs";
+    }
+  }
+  const auto [left, right] = columnsOf(Qt::RightToLeft, true, QString(400, u'W'));
+  EXPECT_TRUE(left >= 0 && right < kWidth);
+}
+
+TEST(CardGridLayoutTest, RowsAreAboutAsFullAndMirrored) {
+  const struct {
+    int cards, width, columns;
+  } rows[] = {{4, 340, 2}, {4, 449, 2}, {4, 450, 4}, {5, 449, 3}, {3, 1000, 3}, {2, 50, 1}, {0, 300, 0}};
+  for (const auto& [cards, width, columns] : rows) {
+    QWidget parent;
+    auto* grid = new CardGridLayout(105, 10);
+    parent.setLayout(grid);
+    for (int i = 0; i < cards; ++i) {
+      grid->addWidget(new QWidget);
+      grid->itemAt(i)->widget()->setFixedHeight(20);
+    }
+    parent.setLayoutDirection(Qt::RightToLeft);
+    grid->setGeometry({0, 0, width, 400});
+    int inFirst = 0;
+    for (int i = 0; i < cards; ++i) inFirst += grid->itemAt(i)->geometry().top() == 0 ? 1 : 0;
+    EXPECT_EQ(inFirst, columns) << cards << " in " << width;
+    EXPECT_TRUE(cards == 0 || grid->itemAt(0)->geometry().right() == width - 1);
+  }
+}
+
+TEST(SectionScrollAreaTest, TheContentIsNeverWiderThanCanBeReadOrSeen) {
+  SectionScrollArea area(SectionScrollArea::kWidestOfRows);
+  auto* row = new QWidget;
+  row->setMinimumSize(100, 2000);
+  area.lines().addWidget(row);
+  area.show();
+  for (const int width : {1400, 300, 760, 2000, 500}) {
+    area.resize(width, 400);
+    layOut();
+    EXPECT_LE(row->width(), SectionScrollArea::kWidestOfRows);
+    const int left = row->mapTo(area.viewport(), QPoint()).x();
+    EXPECT_EQ(left + row->width() + left, area.viewport()->width()) << "in the middle at " << width;
+    EXPECT_GE(left, Theme::kSpaceHuge);
+  }
 }
 
 TEST(GaugeTest, WhatIsUnknownHasNoBar) {

@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QTest>
 #include <gmock/gmock.h>
+#include <set>
 
 #include "screenshots/Sessions.h"
 #include "screenshots/ViewStage.h"
@@ -27,6 +28,25 @@ class WindowTest : public testing::Test {
     stage_.app().evaluate();
     stage_.executor().advance(1);
     layOut();
+  }
+  /// Goes round with the Tab key. Each stop is seen, and can be named by who does not see it; no button is
+  /// left out but those that `isReachedOtherwise` names.
+  template <typename Test>
+  static void expectKeyboardReachesAll(const QWidget& window, Test isReachedOtherwise) {
+    std::set<QWidget*> stops;
+    while (stops.insert(QApplication::focusWidget()).second) {
+      const auto* stop = QApplication::focusWidget();
+      ASSERT_NE(stop, nullptr);
+      const auto* button = dynamic_cast<const QAbstractButton*>(stop);
+      EXPECT_FALSE(stop->accessibleName().isEmpty() && (button == nullptr || button->text().isEmpty()))
+          << stop->metaObject()->className();
+      EXPECT_FALSE(stop->visibleRegion().isEmpty()) << stop->accessibleName().toStdString();
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    for (auto* button : visible<QAbstractButton>(window)) {
+      if (!button->isEnabled() || isReachedOtherwise(*button)) continue;
+      EXPECT_TRUE(stops.contains(button)) << button->text().toStdString();
+    }
   }
   template <typename Widget>
   static std::vector<Widget*> visible(const QWidget& window) {

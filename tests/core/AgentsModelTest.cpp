@@ -59,12 +59,14 @@ TEST_F(AgentsModelTest, CardsHaveTheSessionsInATree) {
   session("s1", gemini, IntegrationType::lifecycleHook, 1, "/home/u/p/kestrel/");
   session("proc-gemini-7", gemini, IntegrationType::process, 0.6, "/home/user2");
   session("proc-claude-8", claude, IntegrationType::process, 0.6, {});
+  session("own", AgentType::custom, IntegrationType::process, 1, {});
   const AgentsModel shown = model(inspection());
   EXPECT_EQ(shown.cards.at(0).detection, "Found as a process only; set it up to see what it does");
   EXPECT_EQ(shown.cards[0].hosts.at(0).sessions.at(0).title, "proc-claude-8") << "no directory is known";
   const auto& rows = shown.cards[1].hosts.at(0).sessions;
   EXPECT_EQ(rows.at(0), (AgentSessionRow{"s1", "kestrel", AgentState::working, "Working", "~/p/kestrel/",
-                                         "started 12 min ago", "call · 40 s ago", "Reported by the agent"}));
+                                         "started 12 min ago", "40 s ago · call", "Reported by the agent"}));
+  EXPECT_EQ(shown.cards[2].detection, "Reports its sessions itself") << "since nothing else is certain";
 }
 
 TEST_F(AgentsModelTest, SetupNeedsTheRelayAndSaysWhenThereIsNothingToDo) {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -25,6 +26,8 @@ struct ExecutorSubject {
 struct ExecutorKind {
   std::string name;
   ExecutorSubject (*make)();
+
+  friend void PrintTo(const ExecutorKind& kind, std::ostream* out) { *out << kind.name; }
 };
 
 class ExecutorContract : public testing::TestWithParam<ExecutorKind> {
@@ -100,10 +103,6 @@ TEST_P(ExecutorContract, TakesTasksFromOtherThreads) {
   for (auto& thread : threads) thread.join();
   subject_.letPass(0.01);
   EXPECT_EQ(record_.size(), 200U);
-}
-
-inline std::string nameOfExecutor(const testing::TestParamInfo<ExecutorKind>& kind) {
-  return kind.param.name;
 }
 
 }  // namespace kestrel

@@ -33,8 +33,7 @@ ExecutorSubject makeQueue() {
 
 INSTANTIATE_TEST_SUITE_P(Executors, ExecutorContract,
                          testing::Values(ExecutorKind{"manual", makeManual}, ExecutorKind{"asio", makeAsio},
-                                         ExecutorKind{"queue", makeQueue}),
-                         nameOfExecutor);
+                                         ExecutorKind{"queue", makeQueue}));
 
 }  // namespace
 }  // namespace kestrel

@@ -47,6 +47,8 @@ remote() { secure_shell 192.0.2.2 "env HOME=$there $*"; }
 tunnel_works() { remote "$SERVICES_BIN/kestrel-relay" --agent codex --state idle --session-id probe --strict; }
 services_wait_until 5 secure_shell 192.0.2.2 true || fail "sshd: $(cat "$SERVICES_DIR/sshd.log")"
 
+services_start_system_bus
+services_start_login_manager
 start_kestrel
 ctl settings set releaseDelaySeconds 0 >/dev/null
 begin 'without a tunnel'
@@ -59,6 +61,8 @@ same 'for its owner alone' 600 "$(stat -c %a "$remote_socket")"
 took=$(milliseconds_until 5 remote "$SERVICES_BIN/kestrel-relay" --agent claude --state working --session-id far --cwd /home/u/far --strict)
 status_is 'Active (1 working agent) — Claude Code working' || fail "status: $(status_line)"
 has 'the session' 'far                       /home/u/far' "$(ctl sessions)"
+services_wait_until 2 hold_is inForce || fail "this machine is not held: $(hold_state)"
+has 'what holds it' 'idle|Kestrel|Kestrel: Claude Code working|block|' "$(services_inhibitors Kestrel)"
 echo "   after $took ms, the connection included"
 
 begin 'a command there'
@@ -73,5 +77,22 @@ status_is 'Active (1 working agent) — Claude Code working' || fail "status: $(
 connect
 remote "$SERVICES_BIN/kestrel-relay" --agent claude --state completed --session-id far --strict || fail 'the relay there'
 services_wait_until 2 status_is 'Sleep enabled — No active agent sessions' || fail "status: $(status_line)"
+services_wait_until 2 hold_is none || fail "this machine is still held: $(hold_state)"
+same 'what holds it' '' "$(services_inhibitors Kestrel)"
+
+begin 'several connections, set up as the page tells'
+services_stop tunnel
+{
+  sed -n '/^   Host server$/,/```/{ /```/d; p }' "$SERVICES_HOME/../../../docs/remote-agents.md" |
+    sed "s#RemoteForward .*#RemoteForward $remote_socket $KESTREL_RUN/kestrel.sock#; s#~/.ssh/#$SERVICES_DIR/ssh/#"
+  printf '%s\n' 'HostName 192.0.2.2' "IdentityFile $SERVICES_DIR/ssh/user" "UserKnownHostsFile $SERVICES_DIR/ssh/known"
+} >"$SERVICES_DIR/ssh/config"
+for connection in first second; do
+  ssh -F "$SERVICES_DIR/ssh/config" server env "HOME=$there" "$SERVICES_BIN/kestrel-relay" --agent claude --state working \
+    --session-id $connection --strict </dev/null || fail "the relay there, over the $connection one"
+done
+HOME=$there elsewhere "$SERVICES_BIN/kestrel-relay" --agent codex --state working --session-id third --strict </dev/null ||
+  fail 'the relay there, after the second one has ended'
+has 'its session' 'Codex CLI    working' "$(ctl sessions)"
 stop_kestrel
 finish

@@ -1,9 +1,11 @@
-// A desktop's inhibition services on the session bus, as far as a program that inhibits needs them.
+// A desktop's inhibition services on the session bus, as far as a program that inhibits needs them, and its
+// portal.
 //   desktop_standin NAME...     the bus names to own, of those in kServices; prints "ready"
 // Every call is a line on standard output. Commands on standard input, each answered with "obeyed", set what
 // happens from then on:
 //   grant | refuse | silent     how Inhibit is answered; silent ones are granted by the next `grant`
 //   forget                      drops every cookie without telling anybody
+//   scheme NUMBER               the portal's color-scheme, which it announces after another setting
 //   quit
 #include <algorithm>
 #include <cstdint>
@@ -32,6 +34,8 @@ struct Cookie {
 };
 
 struct Desktop {
+  sd_bus* bus = nullptr;
+  std::uint32_t scheme = 0;
   std::string manner = "grant";
   std::uint32_t lastCookie = 0;
   std::map<std::uint32_t, Cookie> cookies;
@@ -83,6 +87,17 @@ int isInhibited(sd_bus_message* call, void*, sd_bus_error*) {
   return sd_bus_reply_method_return(call, "b", inhibited);
 }
 
+/// As the standard has it for this call, with a variant too many.
+int readSetting(sd_bus_message* call, void*, sd_bus_error*) {
+  std::cout << "read" << std::endl;
+  return sd_bus_reply_method_return(call, "v", "v", "u", desktop.scheme);
+}
+
+void announce(const char* setting, std::uint32_t value) {
+  sd_bus_emit_signal(desktop.bus, "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings",
+                     "SettingChanged", "ssv", "org.freedesktop.appearance", setting, "u", value);
+}
+
 int onOwnerChanged(sd_bus_message* signal, void*, sd_bus_error*) {
   const char *name = "", *oldOwner = "", *newOwner = "";
   sd_bus_message_read(signal, "sss", &name, &oldOwner, &newOwner);
@@ -104,6 +119,10 @@ const sd_bus_vtable kScreenSaverMethods[] = {
     SD_BUS_VTABLE_START(0), SD_BUS_METHOD("Inhibit", "ss", "u", inhibit, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_METHOD("UnInhibit", "u", "", uninhibit, SD_BUS_VTABLE_UNPRIVILEGED), SD_BUS_VTABLE_END};
 
+const sd_bus_vtable kSettingsMethods[] = {
+    SD_BUS_VTABLE_START(0), SD_BUS_METHOD("Read", "ss", "v", readSetting, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_VTABLE_END};
+
 const Service kServices[] = {
     {"org.gnome.SessionManager", "/org/gnome/SessionManager", "org.gnome.SessionManager",
      kSessionManagerMethods},
@@ -111,6 +130,8 @@ const Service kServices[] = {
      "org.freedesktop.PowerManagement.Inhibit", kPowerManagementMethods},
     {"org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver", "org.freedesktop.ScreenSaver",
      kScreenSaverMethods},
+    {"org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings",
+     kSettingsMethods},
 };
 
 bool own(sd_bus* bus, std::string_view name) {
@@ -126,6 +147,10 @@ bool obey(const std::string& command) {
   if (command == "quit") return false;
   if (command == "forget") {
     desktop.cookies.clear();
+  } else if (command.starts_with("scheme ")) {
+    desktop.scheme = static_cast<std::uint32_t>(std::stoul(command.substr(7)));
+    announce("contrast", 1);
+    announce("color-scheme", desktop.scheme);
   } else {
     desktop.manner = command;
   }
@@ -162,6 +187,7 @@ bool readCommands(pollfd& input) {
 int main(int argc, char** argv) {
   sd_bus* bus = nullptr;
   int status = sd_bus_open_user(&bus);
+  desktop.bus = bus;
   if (status >= 0) {
     status = sd_bus_match_signal(bus, nullptr, "org.freedesktop.DBus", "/org/freedesktop/DBus",
                                  "org.freedesktop.DBus", "NameOwnerChanged", onOwnerChanged, nullptr);
