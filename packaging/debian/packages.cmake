@@ -1,7 +1,8 @@
 # The Debian packages kestrel and kestrel-desktop, and an archive, made by cpack.
 set(CPACK_PACKAGE_NAME kestrel)
 set(CPACK_PACKAGE_VENDOR "Kestrel contributors")
-set(CPACK_PACKAGE_CONTACT "Kestrel contributors <kestrel@example.org>")
+# A package has to name an address, and there is none: this domain can never exist (RFC 2606).
+set(CPACK_PACKAGE_CONTACT "Kestrel contributors <contributors@kestrel.invalid>")
 set(CPACK_PACKAGE_FILE_NAME "kestrel-${PROJECT_VERSION}-linux-${CMAKE_SYSTEM_PROCESSOR}")
 set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/packages")
 set(CPACK_STRIP_FILES ON)

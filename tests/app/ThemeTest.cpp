@@ -23,7 +23,7 @@ Linear linear(const QColor& color) {
 
 double contrast(const QColor& a, const QColor& b) {
   const auto luminance = [](const Linear& c) { return 0.2126 * c[0] + 0.7152 * c[1] + 0.0722 * c[2]; };
-  const auto [low, high] = std::minmax(luminance(linear(a)), luminance(linear(b)));
+  const auto [low, high] = std::minmax({luminance(linear(a)), luminance(linear(b))});
   return (high + 0.05) / (low + 0.05);
 }
 
