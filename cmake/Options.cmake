@@ -21,7 +21,7 @@ elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSI
   target_compile_options(KestrelOptions INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
 endif()
 if(KESTREL_SANITIZE)
-  target_compile_options(KestrelOptions INTERFACE -fsanitize=${KESTREL_SANITIZE} -fno-omit-frame-pointer -g)
+  target_compile_options(KestrelOptions INTERFACE -fsanitize=${KESTREL_SANITIZE} -fno-omit-frame-pointer)
   target_link_options(KestrelOptions INTERFACE -fsanitize=${KESTREL_SANITIZE})
   if(KESTREL_SANITIZE MATCHES "undefined")
     target_compile_options(KestrelOptions INTERFACE -fno-sanitize-recover=all)
