@@ -29,7 +29,7 @@ std::optional<std::string> findRelay(const AdapterEnvironment& environment,
 
 }  // namespace
 
-AgentInspection::AgentInspection(AdapterEnvironment environment, std::filesystem::path programFolder,
+AgentInspection::AgentInspection(AdapterEnvironment environment, const std::filesystem::path& programFolder,
                                  Executor& mainExecutor, std::shared_ptr<const Clock> clock)
     : environment_(std::move(environment)),
       mainExecutor_(mainExecutor),

@@ -28,8 +28,8 @@ class AgentInspection {
 
   /// `programFolder` is where this program stands, and with it, as a rule, the relay. `environment.isRunning`
   /// is not used. The executor outlives this object.
-  AgentInspection(AdapterEnvironment environment, std::filesystem::path programFolder, Executor& mainExecutor,
-                  std::shared_ptr<const Clock> clock);
+  AgentInspection(AdapterEnvironment environment, const std::filesystem::path& programFolder,
+                  Executor& mainExecutor, std::shared_ptr<const Clock> clock);
 
   /// Begins a check, unless one is under way. `seen` are the agents that process monitoring sees.
   void check(std::set<AgentType> seen);

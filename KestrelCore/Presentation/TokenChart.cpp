@@ -39,7 +39,7 @@ std::string tooltip(const DayTokens& day, const std::string& name) {
 std::string label(const std::vector<DayTokens>& days, std::size_t index, const LocalCalendar& calendar) {
   if (index + 1 == days.size()) return "today";
   if (index % kBarsPerLabel != 0 || index + 2 >= days.size()) return {};
-  const std::string name = shortDay(calendar.dayName(days[index].startsAt));
+  std::string name = shortDay(calendar.dayName(days[index].startsAt));
   if (index == 0) return name;
   const std::string before = shortDay(calendar.dayName(days[index - kBarsPerLabel].startsAt));
   const auto month = [](const std::string& day) { return day.substr(std::min(day.find(' '), day.size())); };

@@ -97,7 +97,7 @@ void UsageSessionTable::sort() {
     const Record& b = records_[right];
     if (isUnknown(a, column_) || isUnknown(b, column_)) return !isUnknown(a, column_);
     const Order result = compare(a, b, column_);
-    return isAscending_ ? result < 0 : result > 0;
+    return isAscending_ ? is_lt(result) : is_gt(result);
   });
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <semaphore.h>
 #include <time.h>
+#include <unistd.h>
 
 namespace {
 
@@ -22,26 +23,24 @@ void onFinished(ca_context*, std::uint32_t, int code, void* data) {
 }
 
 struct Release {
-  void operator()(ca_context* context) const { ca_context_destroy(context); }
   void operator()(ca_proplist* properties) const { ca_proplist_destroy(properties); }
 };
 
 bool play(const char* event) {
-  // Outlives the context, whose thread writes to it.
-  Outcome outcome;
+  // The thread that plays writes to it until the process ends.
+  static Outcome outcome;
   ::sem_init(&outcome.isKnown, 0, 0);
-  ca_context* newContext = nullptr;
-  if (ca_context_create(&newContext) != CA_SUCCESS) return false;
-  const std::unique_ptr<ca_context, Release> context(newContext);
+  // Never destroyed: that unloads the driver while its thread, which told the end, may still run in it.
+  ca_context* context = nullptr;
+  if (ca_context_create(&context) != CA_SUCCESS) return false;
   ca_proplist* newProperties = nullptr;
   if (ca_proplist_create(&newProperties) != CA_SUCCESS) return false;
   const std::unique_ptr<ca_proplist, Release> properties(newProperties);
-  ca_context_change_props(context.get(), CA_PROP_APPLICATION_NAME, "Kestrel", CA_PROP_APPLICATION_ID,
+  ca_context_change_props(context, CA_PROP_APPLICATION_NAME, "Kestrel", CA_PROP_APPLICATION_ID,
                           "com.kestrel.app", nullptr);
   ca_proplist_sets(properties.get(), CA_PROP_EVENT_ID, event);
   ca_proplist_sets(properties.get(), CA_PROP_MEDIA_ROLE, "event");
-  if (ca_context_play_full(context.get(), 1, properties.get(), onFinished, &outcome) != CA_SUCCESS)
-    return false;
+  if (ca_context_play_full(context, 1, properties.get(), onFinished, &outcome) != CA_SUCCESS) return false;
   timespec deadline{};
   ::clock_gettime(CLOCK_REALTIME, &deadline);
   deadline.tv_sec += kLongestSeconds;
@@ -52,5 +51,5 @@ bool play(const char* event) {
 
 int main(int argc, char** argv) {
   if (argc != 2) return 2;
-  return play(argv[1]) ? 0 : 1;
+  ::_exit(play(argv[1]) ? 0 : 1);
 }
