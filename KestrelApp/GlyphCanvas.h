@@ -15,7 +15,7 @@ class GlyphCanvas {
   /// A clear picture.
   GlyphCanvas(int width, int height);
 
-  /// The frame enlarged by whole pixels, at the bottom; in the middle of the square at the left, or at the
+  /// The frame enlarged by whole pixels, at half height; in the middle of the square at the left, or at the
   /// left edge where a count needs the rest.
   void drawFrame(const PixelSpriteFrame& frame, bool leavesRoom);
   /// What is opaque loses all but its edge, of one pixel of the frame.
